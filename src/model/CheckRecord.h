@@ -14,7 +14,7 @@ struct CheckRecord {
     std::string siteID;
     std::string url;
     bool dnsOK = false;
-    std::vector<std::string> ips;          ///< numeric addresses, sorted, no duplicates
+    std::vector<std::string> ips;           ///< numeric addresses, sorted, no duplicates
     std::optional<std::int64_t> httpStatus; ///< absent when no response came
     std::optional<std::int64_t> elapsedMS;  ///< absent only in lines of early versions
     bool up = false;

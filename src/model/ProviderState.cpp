@@ -24,15 +24,13 @@ constexpr std::array<std::pair<ProviderFailureCategory, std::string_view>, 6> ca
     {ProviderFailureCategory::malformed, "malformed"},
 }};
 
-template <class Table, class Value>
-std::string_view nameIn(const Table& table, Value value) {
+template <class Table, class Value> std::string_view nameIn(const Table& table, Value value) {
     for (const auto& [candidate, name] : table)
         if (candidate == value) return name;
     std::unreachable();
 }
 
-template <class Value, class Table>
-std::optional<Value> valueIn(const Table& table, std::string_view name) {
+template <class Value, class Table> std::optional<Value> valueIn(const Table& table, std::string_view name) {
     for (const auto& [value, candidate] : table)
         if (candidate == name) return value;
     return std::nullopt;
@@ -40,8 +38,12 @@ std::optional<Value> valueIn(const Table& table, std::string_view name) {
 
 } // namespace
 
-std::string_view persistedName(ProviderState state) { return nameIn(stateNames, state); }
-std::string_view persistedName(ProviderFailureCategory category) { return nameIn(categoryNames, category); }
+std::string_view persistedName(ProviderState state) {
+    return nameIn(stateNames, state);
+}
+std::string_view persistedName(ProviderFailureCategory category) {
+    return nameIn(categoryNames, category);
+}
 
 std::optional<ProviderState> providerStateNamed(std::string_view name) {
     return valueIn<ProviderState>(stateNames, name);
@@ -53,11 +55,16 @@ std::optional<ProviderFailureCategory> providerFailureCategoryNamed(std::string_
 
 std::string_view title(ProviderState state) {
     switch (state) {
-    case ProviderState::operational: return "Operational";
-    case ProviderState::degraded: return "Degraded";
-    case ProviderState::outage: return "Outage";
-    case ProviderState::maintenance: return "Maintenance";
-    case ProviderState::unknown: return "Unknown";
+    case ProviderState::operational:
+        return "Operational";
+    case ProviderState::degraded:
+        return "Degraded";
+    case ProviderState::outage:
+        return "Outage";
+    case ProviderState::maintenance:
+        return "Maintenance";
+    case ProviderState::unknown:
+        return "Unknown";
     }
     std::unreachable();
 }

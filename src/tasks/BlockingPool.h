@@ -1,0 +1,15 @@
+#pragma once
+
+#include <functional>
+
+namespace kestrin {
+
+/// Threads for work that blocks. `run` may be called from any thread and never runs the work inside itself; pieces
+/// of work run in parallel and in no set order.
+class BlockingPool {
+public:
+    virtual ~BlockingPool() = default;
+    virtual void run(std::function<void()> work) = 0;
+};
+
+} // namespace kestrin

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tasks/BlockingPool.h"
+#include "tasks/Executor.h"
+
+#include <memory>
+
+namespace kestrin {
+
+/// A serial owner of its own without a thread of its own: what is posted runs in order on the pool's threads, which
+/// are asked for only while there is something to run. `post` may be called from any thread.
+class SerialExecutor : public Executor {
+public:
+    explicit SerialExecutor(BlockingPool& pool);
+    ~SerialExecutor() override;
+    SerialExecutor(const SerialExecutor&) = delete;
+    SerialExecutor& operator=(const SerialExecutor&) = delete;
+
+    void post(std::function<void()> work) override;
+
+private:
+    struct Queue;
+    std::shared_ptr<Queue> queue_;
+    BlockingPool& pool_;
+};
+
+} // namespace kestrin

@@ -1,0 +1,89 @@
+#include "tasks/ThreadPool.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace kestrin {
+
+struct ThreadPool::State {
+    State(std::size_t threads, std::chrono::milliseconds idle) : maximumThreads(threads), idleTime(idle) {}
+
+    const std::size_t maximumThreads;
+    const std::chrono::milliseconds idleTime;
+    std::mutex mutex;
+    std::condition_variable workArrived;
+    std::condition_variable threadEnded;
+    std::deque<std::function<void()>> waiting;
+    std::size_t threads = 0;
+    std::size_t idle = 0;
+    bool closed = false;
+
+    void serve() {
+        std::unique_lock lock(mutex);
+        while (true) {
+            if (waiting.empty() && !closed) {
+                ++idle;
+                workArrived.wait_for(lock, idleTime, [this] { return !waiting.empty() || closed; });
+                --idle;
+            }
+            if (waiting.empty()) break;
+            std::function<void()> work = std::move(waiting.front());
+            waiting.pop_front();
+            lock.unlock();
+            work();
+            work = nullptr;
+            lock.lock();
+        }
+        --threads;
+        threadEnded.notify_all();
+    }
+};
+
+ThreadPool::ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime)
+    : state_(std::make_shared<State>(maximumThreads, idleTime)) {}
+
+ThreadPool::~ThreadPool() {
+    (void)shutDown(std::chrono::milliseconds(0));
+}
+
+void ThreadPool::run(std::function<void()> work) {
+    const std::lock_guard guard(state_->mutex);
+    if (state_->closed) return;
+    state_->waiting.push_back(std::move(work));
+    if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) {
+        state_->workArrived.notify_one();
+        return;
+    }
+    ++state_->threads;
+    try {
+        std::thread([state = state_] { state->serve(); }).detach();
+    } catch (const std::system_error&) {
+        // No thread could be had: one that runs takes the work; with none there is nothing to wait for.
+        --state_->threads;
+        if (state_->threads == 0) {
+            state_->waiting.pop_back();
+            throw;
+        }
+    }
+}
+
+bool ThreadPool::shutDown(std::chrono::milliseconds patience) {
+    std::deque<std::function<void()>> dropped;
+    std::unique_lock lock(state_->mutex);
+    state_->closed = true;
+    dropped.swap(state_->waiting);
+    state_->workArrived.notify_all();
+    const bool ended = state_->threadEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
+    lock.unlock();
+    return ended;
+}
+
+std::size_t ThreadPool::busyThreads() const {
+    const std::lock_guard guard(state_->mutex);
+    return state_->threads - state_->idle;
+}
+
+} // namespace kestrin

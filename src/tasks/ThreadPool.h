@@ -1,0 +1,36 @@
+#pragma once
+
+#include "tasks/BlockingPool.h"
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+
+namespace kestrin {
+
+/// Threads that are started when work waits and none is idle, up to a limit, and that end after a short idle time,
+/// so that a quiet program has none. Work beyond the limit waits in order. The pool may be destroyed while work is
+/// stuck: such threads are left behind and touch nothing of the pool's owner, only what their work owns.
+class ThreadPool : public BlockingPool {
+public:
+    explicit ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime = std::chrono::seconds(1));
+    ~ThreadPool() override;
+    ThreadPool(const ThreadPool&) = delete;
+    ThreadPool& operator=(const ThreadPool&) = delete;
+
+    /// After `shutDown` began, work is dropped unrun.
+    void run(std::function<void()> work) override;
+
+    /// Takes no more work, drops what waits and waits at most `patience` for what runs. True when nothing is left
+    /// running; otherwise threads are stuck and the process must end without running destructors.
+    [[nodiscard]] bool shutDown(std::chrono::milliseconds patience);
+
+    /// Pieces of work that run now; one that has been abandoned counts until it returns.
+    [[nodiscard]] std::size_t busyThreads() const;
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+} // namespace kestrin
