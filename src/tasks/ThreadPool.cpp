@@ -3,13 +3,15 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 namespace kestrin {
 
 struct ThreadPool::State {
-    State(std::size_t threads, std::chrono::milliseconds idle) : maximumThreads(threads), idleTime(idle) {}
+    State(std::size_t maximum, std::chrono::milliseconds idleBeforeEnd)
+        : maximumThreads(maximum), idleTime(idleBeforeEnd) {}
 
     const std::size_t maximumThreads;
     const std::chrono::milliseconds idleTime;
