@@ -1,0 +1,206 @@
+#include "monitoring/AppModel.h"
+
+#include "monitoring/MonitoredTargets.h"
+#include "tasks/Sleep.h"
+#include "tasks/Spawn.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+// A field that is absent is a handle to nothing; cancelling that is nothing.
+void cancelAndForget(TaskHandle<>& task) {
+    if (task) task.cancel();
+    task.reset();
+}
+
+} // namespace
+
+AppModel::AppModel(Collaborators collaborators)
+    : collaborators_(std::move(collaborators)),
+      loader_(collaborators_.reader, collaborators_.customProviderStore, collaborators_.services),
+      self_(this, [](AppModel*) {}), notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()) {
+    reload();
+}
+
+void AppModel::startMonitoring() {
+    if (isMonitoring_) return;
+    isMonitoring_ = true;
+    operationError_.reset();
+    startLoop(CheckTrigger::start, {}, {});
+    announceChange();
+}
+
+void AppModel::stopMonitoring() {
+    cancelAndForget(monitoringTask_);
+    ++manualCheckGeneration_;
+    cancelAndForget(manualCheckTask_);
+    ++checkActivityGeneration_;
+    isMonitoring_ = false;
+    isChecking_ = false;
+    announceChange();
+}
+
+void AppModel::checkNow() {
+    if (isChecking_ || manualCheckTask_) return;
+    operationError_.reset();
+    ++manualCheckGeneration_;
+    manualCheckTask_ = spawn(collaborators_.mainExecutor, runManualCheck(self_, manualCheckGeneration_));
+    announceChange();
+}
+
+Task<> AppModel::runManualCheck(Reference self, std::uint64_t generation) {
+    co_await waitForReload(self);
+    co_await runCycle(self, CheckTrigger::manual);
+    const auto model = self.lock();
+    if (!model || model->manualCheckGeneration_ != generation) co_return;
+    model->manualCheckTask_.reset();
+    model->announceChange();
+}
+
+void AppModel::restartMonitoring() {
+    const bool wasMonitoring = isMonitoring_;
+    const TaskHandle<> earlierLoop = std::exchange(monitoringTask_, {});
+    const TaskHandle<> earlierManualCheck = std::exchange(manualCheckTask_, {});
+    if (earlierLoop) earlierLoop.cancel();
+    if (earlierManualCheck) earlierManualCheck.cancel();
+    ++manualCheckGeneration_;
+    ++checkActivityGeneration_;
+    isChecking_ = false;
+    reload();
+    isMonitoring_ = wasMonitoring;
+    if (wasMonitoring) startLoop(CheckTrigger::restart, earlierLoop, earlierManualCheck);
+    announceChange();
+}
+
+void AppModel::shutdown() {
+    stopMonitoring();
+    notificationPolicyLease_->invalidate();
+    ++policyGeneration_;
+    cancelAndForget(reloadTask_);
+    isLoading_ = false;
+    cancelAndForget(revisionRefreshTask_);
+    announceChange();
+}
+
+void AppModel::startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
+    monitoringTask_ = spawn(
+        collaborators_.mainExecutor, monitor(self_, first, std::move(earlierLoop), std::move(earlierManualCheck)));
+}
+
+bool AppModel::goesOn(const Reference& self, const TaskContext& context) {
+    const auto model = self.lock();
+    return model && !context.isCancelled() && model->isMonitoring_;
+}
+
+Task<> AppModel::monitor(
+    Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
+    const TaskContext context = co_await currentContext();
+    // The cancelled loop is seen out first: two of them never overlap.
+    if (earlierLoop) co_await earlierLoop.join();
+    if (earlierManualCheck) co_await earlierManualCheck.join();
+    if (!goesOn(self, context)) co_return;
+    co_await waitForReload(self);
+    if (!goesOn(self, context)) co_return;
+    co_await runCycle(self, first);
+
+    while (goesOn(self, context)) {
+        Clock* clock = nullptr;
+        Instant wake;
+        {
+            // Counted from the end of the cycle: no catching up, and the interval is read afresh.
+            const auto model = self.lock();
+            clock = &model->collaborators_.clock;
+            wake = saturatingAfter(clock->now(), model->intervalSeconds_);
+        }
+        const SleepResult slept = co_await sleepUntil(*clock, wake);
+        if (slept == SleepResult::Cancelled || !goesOn(self, context)) co_return;
+        co_await runCycle(self, CheckTrigger::scheduled);
+    }
+}
+
+Task<> AppModel::waitForReload(Reference self) {
+    while (true) {
+        TaskHandle<> reload;
+        {
+            const auto model = self.lock();
+            if (!model || !model->isLoading_ || !model->reloadTask_) co_return;
+            reload = model->reloadTask_;
+        }
+        // Another load may have begun meanwhile, so the question is asked again.
+        co_await reload.join();
+    }
+}
+
+std::span<const SiteSnapshot> AppModel::visibleSnapshots() const {
+    if (!configuration_) return {};
+    return snapshots_;
+}
+
+const SiteSnapshot* AppModel::selectedSnapshot() const {
+    const auto visible = visibleSnapshots();
+    if (visible.empty()) return nullptr;
+    const auto found = std::ranges::find_if(
+        visible, [this](const SiteSnapshot& snapshot) { return snapshot.site.id == selectedSiteID_; });
+    return found == visible.end() ? &visible.front() : &*found;
+}
+
+void AppModel::selectSite(const std::string& id) {
+    const auto visible = visibleSnapshots();
+    if (std::ranges::none_of(visible, [&](const SiteSnapshot& snapshot) { return snapshot.site.id == id; })) return;
+    if (configuration_ && configuration_->activeSiteID != id) {
+        SiteConfiguration chosen = *configuration_;
+        chosen.activeSiteID = id;
+        try {
+            collaborators_.writer.saveConfiguration(chosen, Backup::None);
+            // Read afresh, so that the model's own write does not look like somebody else's.
+            configurationRevision_ = collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
+        } catch (const MessageError& error) {
+            operationError_ = "Could not remember the selected website: " + error.message;
+            announceChange();
+            return;
+        }
+        configuration_ = std::move(chosen);
+    }
+    selectedSiteID_ = id;
+    operationError_.reset();
+    announceChange();
+}
+
+void AppModel::setSelectedProviderID(std::string id) {
+    selectedProviderID_ = std::move(id);
+    announceChange();
+}
+
+void AppModel::setMonitorPage(MonitorPage page) {
+    monitorPage_ = page;
+    announceChange();
+}
+
+NotificationInputs AppModel::notificationInputs() const {
+    NotificationInputs inputs;
+    inputs.lease = notificationPolicyLease_;
+    if (!configuration_) return inputs;
+    TargetDescription description = describeTargets({.configuration = *configuration_,
+        .added = customProviderConfiguration_,
+        .addedAreReadable = !customProviderIssue_,
+        .directory = *collaborators_.services,
+        .sites = snapshots_,
+        .services = providerSnapshots_});
+    inputs.contexts = std::move(description.contexts);
+    inputs.policy = description.policy;
+    return inputs;
+}
+
+std::optional<std::string> AppModel::activeSiteID() const {
+    return configuration_ ? configuration_->activeSiteID : std::nullopt;
+}
+
+void AppModel::announceChange() const {
+    if (onChange) onChange();
+}
+
+} // namespace kestrin

@@ -1,0 +1,175 @@
+#pragma once
+
+#include "monitoring/AppModelLoadResult.h"
+#include "monitoring/CheckTrigger.h"
+#include "monitoring/ModelLoader.h"
+#include "monitoring/MonitorPage.h"
+#include "monitoring/MonitoringCheckRunner.h"
+#include "notifications/NotificationObserving.h"
+#include "state/StateWriting.h"
+#include "tasks/BlockingPool.h"
+#include "tasks/Clock.h"
+#include "tasks/TaskHandle.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kestrin {
+
+/// The heart of the program: owns the schedule, runs check cycles, writes their results, keeps the snapshots that
+/// the dashboard shows and the only mutable copy of the loaded configuration. Lives on the main thread, that is on
+/// `mainExecutor`; every member is touched there only. The constructor starts the first load. Its tasks hold it
+/// through references that do not own it and end when it is gone.
+class AppModel {
+public:
+    using WallClock = std::function<std::chrono::system_clock::time_point()>;
+
+    /// What the model works with. References must outlive the model and the last of its tasks.
+    struct Collaborators {
+        StateReader reader;
+        StateWriting& writer;
+        std::shared_ptr<const CustomProviderReading> customProviderStore;
+        std::shared_ptr<const ServiceDirectory> services;
+        MonitoringCheckRunner checkRunner;
+        NotificationObserving& notificationCoordinator;
+        Executor& mainExecutor;
+        Clock& clock;
+        BlockingPool& loadPool;
+        WallClock wallClock;
+    };
+
+    explicit AppModel(Collaborators collaborators);
+    AppModel(const AppModel&) = delete;
+    AppModel& operator=(const AppModel&) = delete;
+
+    /// Starts the loop: a first cycle at once, then one after each interval. Nothing when it runs.
+    void startMonitoring();
+    /// Drops the loop and any Check now at once; what is in flight is discarded. Waits for nothing.
+    void stopMonitoring();
+    /// One cycle out of turn, also while monitoring is off. Nothing while one is in flight or asked for.
+    void checkNow();
+    /// After the configuration was changed: loads it and, if monitoring was on, starts afresh behind the old loop.
+    void restartMonitoring();
+    /// Loads the state directory anew, superseding a load that runs and every result gathered so far.
+    void reload();
+    /// Reloads if a file has another revision than the model knows. Nothing while a load or a comparison runs.
+    void refreshIfStateChanged();
+    /// Shows a website and remembers the choice in "sites.json".
+    void selectSite(const std::string& id);
+    /// The program ends: stops everything and starts nothing more.
+    void shutdown();
+
+    /// Called after every change of what follows, on the main thread and possibly many times in a row.
+    std::function<void()> onChange;
+
+    [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return snapshots_; }
+    [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const;
+    [[nodiscard]] const SiteSnapshot* selectedSnapshot() const; ///< null when there are none
+    [[nodiscard]] const std::string& selectedSiteID() const { return selectedSiteID_; }
+    [[nodiscard]] const std::vector<ProviderSnapshot>& providerSnapshots() const { return providerSnapshots_; }
+    [[nodiscard]] const std::string& selectedProviderID() const { return selectedProviderID_; }
+    void setSelectedProviderID(std::string id);
+    [[nodiscard]] MonitorPage monitorPage() const { return monitorPage_; }
+    void setMonitorPage(MonitorPage page);
+    [[nodiscard]] bool providerStatusEnabled() const { return providerStatusEnabled_; }
+    [[nodiscard]] const std::optional<std::string>& customProviderIssue() const { return customProviderIssue_; }
+    [[nodiscard]] bool isFirstRun() const { return isFirstRun_; }
+    [[nodiscard]] const std::optional<std::string>& loadError() const { return loadError_; }
+    [[nodiscard]] const std::optional<std::string>& configurationIssue() const { return configurationIssue_; }
+    [[nodiscard]] const std::optional<std::string>& operationError() const { return operationError_; }
+    [[nodiscard]] std::optional<std::chrono::system_clock::time_point> lastLoadedAt() const {
+        return lastLoadedAt_;
+    }
+    [[nodiscard]] bool isMonitoring() const { return isMonitoring_; }
+    [[nodiscard]] bool isChecking() const { return isChecking_; }
+    [[nodiscard]] bool isLoading() const { return isLoading_; }
+    [[nodiscard]] std::int64_t intervalSeconds() const { return intervalSeconds_; }
+    [[nodiscard]] const NotificationManagementState& notificationState() const { return notificationState_; }
+    [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return configuration_; }
+    /// What notifications are to be told now.
+    [[nodiscard]] NotificationInputs notificationInputs() const;
+    /// The load that runs, for whoever waits until it has ended; test `isLoading` again afterwards.
+    [[nodiscard]] const TaskHandle<>& reloadTask() const { return reloadTask_; }
+
+private:
+    /// A task's way to the model: locked for one stretch without an await, gone when the model is.
+    using Reference = std::weak_ptr<AppModel>;
+    struct CycleTicket;
+    using SiteChecks = TaskHandle<std::vector<CheckRecord>>;
+    using ServiceChecks = TaskHandle<std::vector<ProviderCheckRecord>>;
+
+    void startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
+    static bool goesOn(const Reference& self, const TaskContext& context);
+    static Task<> monitor(
+        Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
+    static Task<> runManualCheck(Reference self, std::uint64_t generation);
+    static Task<> waitForReload(Reference self);
+
+    static Task<> runCycle(Reference self, CheckTrigger trigger);
+    std::optional<CycleTicket> beginCycle(const TaskContext& context);
+    void endCycle(const CycleTicket& ticket);
+    std::vector<NotificationObservation> recordResults(
+        const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger);
+    bool recordSite(const CheckRecord& record);
+    bool recordService(const ProviderCheckRecord& record);
+    static Task<> notify(
+        Reference self, TaskContext context, CycleTicket ticket, std::vector<NotificationObservation> observations);
+
+    static Task<> runReload(
+        Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID);
+    static Task<> runRevisionRefresh(Reference self, ExpectedStateRevisions expected);
+    void apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID);
+    void applyLoaded(LoadedNotConfigured loaded);
+    void applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID);
+    void applyLoaded(LoadFailed failed);
+    void showNothing();
+    [[nodiscard]] ExpectedStateRevisions expectedRevisions() const;
+    [[nodiscard]] std::optional<std::string> activeSiteID() const;
+    void announceChange() const;
+
+    Collaborators collaborators_;
+    ModelLoader loader_;
+    std::shared_ptr<AppModel> self_; ///< owns nothing; its weak references end with the model
+
+    std::vector<SiteSnapshot> snapshots_;
+    std::string selectedSiteID_;
+    std::vector<ProviderSnapshot> providerSnapshots_;
+    std::string selectedProviderID_;
+    MonitorPage monitorPage_ = MonitorPage::sites;
+    bool providerStatusEnabled_ = false;
+    std::optional<std::string> customProviderIssue_;
+    bool isFirstRun_ = false;
+    std::optional<std::string> loadError_;
+    std::optional<std::string> configurationIssue_;
+    std::optional<std::string> operationError_;
+    std::optional<std::chrono::system_clock::time_point> lastLoadedAt_;
+    bool isMonitoring_ = false;
+    bool isChecking_ = false;
+    bool isLoading_ = true;
+    std::int64_t intervalSeconds_ = 300;
+    NotificationManagementState notificationState_;
+
+    std::optional<SiteConfiguration> configuration_; ///< absent until a load succeeds and after one that failed
+    CustomProviderConfiguration customProviderConfiguration_;
+    HistoryFileRevision configurationRevision_;
+    HistoryFileRevision customProviderRevision_;
+
+    // Three counters that only grow. Long work remembers one and compares it when it comes back.
+    std::uint64_t policyGeneration_ = 0;        ///< what was configured when the work began
+    std::uint64_t manualCheckGeneration_ = 0;   ///< who may clear `manualCheckTask_`
+    std::uint64_t checkActivityGeneration_ = 0; ///< who may clear `isChecking_`
+    std::shared_ptr<NotificationPolicyLease> notificationPolicyLease_;
+
+    TaskHandle<> monitoringTask_;
+    TaskHandle<> manualCheckTask_;
+    TaskHandle<> reloadTask_;
+    TaskHandle<> revisionRefreshTask_;
+};
+
+} // namespace kestrin

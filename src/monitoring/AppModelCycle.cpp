@@ -1,0 +1,154 @@
+#include "monitoring/AppModel.h"
+
+#include "monitoring/MonitoredTargets.h"
+#include "tasks/Spawn.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrin {
+
+/// What a cycle set out with, compared when it comes back.
+struct AppModel::CycleTicket {
+    std::uint64_t activityGeneration = 0; ///< before this cycle raised it
+    std::uint64_t policyGeneration = 0;
+    std::vector<SiteDefinition> sites;
+    std::vector<ProviderDefinition> services;
+};
+
+Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
+    const TaskContext context = co_await currentContext();
+    co_await waitForReload(self);
+
+    std::optional<CycleTicket> begun;
+    MonitoringCheckRunner runner;
+    {
+        const auto model = self.lock();
+        if (!model) co_return;
+        begun = model->beginCycle(context);
+        runner = model->collaborators_.checkRunner;
+    }
+    if (!begun) co_return;
+    CycleTicket ticket = std::move(*begun);
+
+    const SiteChecks siteChecks =
+        spawnChild(*context.executor, context.stopToken, runner.performSiteChecks(std::exchange(ticket.sites, {})));
+    const ServiceChecks serviceChecks = spawnChild(
+        *context.executor, context.stopToken, runner.performProviderChecks(std::exchange(ticket.services, {})));
+    co_await siteChecks.join();
+    co_await serviceChecks.join();
+
+    std::vector<NotificationObservation> observations;
+    {
+        const auto model = self.lock();
+        if (!model) co_return;
+        if (!context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {
+            observations = model->recordResults(siteChecks, serviceChecks, trigger);
+        }
+    }
+    if (!observations.empty()) co_await notify(self, context, ticket, std::move(observations));
+
+    if (const auto model = self.lock()) model->endCycle(ticket);
+}
+
+std::optional<AppModel::CycleTicket> AppModel::beginCycle(const TaskContext& context) {
+    if (context.isCancelled() || isChecking_) return std::nullopt;
+    CycleTicket ticket;
+    if (configuration_) ticket.sites = monitoredSites(*configuration_);
+    if (providerStatusEnabled_)
+        for (const ProviderSnapshot& snapshot : providerSnapshots_)
+            ticket.services.push_back(snapshot.provider);
+    if (ticket.sites.empty() && ticket.services.empty()) return std::nullopt;
+
+    ticket.activityGeneration = checkActivityGeneration_++;
+    ticket.policyGeneration = policyGeneration_;
+    isChecking_ = true;
+    announceChange();
+    return ticket;
+}
+
+void AppModel::endCycle(const CycleTicket& ticket) {
+    // Otherwise a stop, a restart or a newer cycle owns the mark now.
+    if (checkActivityGeneration_ != ticket.activityGeneration + 1) return;
+    isChecking_ = false;
+    announceChange();
+}
+
+// Gives what notifications are to hear: nothing of a manual cycle and nothing of one that could not be written
+// whole.
+std::vector<NotificationObservation> AppModel::recordResults(
+    const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger) {
+    std::vector<NotificationObservation> observations;
+    try {
+        for (const CheckRecord& record : siteChecks.take()) {
+            if (!recordSite(record)) {
+                // The website is gone from a configuration that nobody saw change: its line stands, and the rest of
+                // the cycle gives way to a load.
+                reload();
+                return {};
+            }
+            if (isAutomatic(trigger)) observations.push_back(observationOf(record));
+        }
+        const std::set<std::string> monitored =
+            configuration_ && providerStatusEnabled_
+                ? monitoredServiceIDs(
+                      *collaborators_.services, configuration_->providerStatus, customProviderConfiguration_)
+                : std::set<std::string>();
+        for (const ProviderCheckRecord& record : serviceChecks.take())
+            if (monitored.contains(record.providerID) && recordService(record) && isAutomatic(trigger))
+                observations.push_back(observationOf(record));
+    } catch (const std::exception& error) {
+        operationError_ = std::string("Could not save check history: ") + error.what();
+        announceChange();
+        return {};
+    }
+    operationError_.reset();
+    announceChange();
+    return observations;
+}
+
+// Written first and looked up afterwards: a check that was made is not lost. False without a snapshot to show it
+// in.
+bool AppModel::recordSite(const CheckRecord& record) {
+    const HistoryFileRevision revision = collaborators_.writer.appendCheck(record);
+    const auto snapshot = std::ranges::find_if(
+        snapshots_, [&](const SiteSnapshot& candidate) { return candidate.site.id == record.siteID; });
+    if (snapshot == snapshots_.end()) return false;
+    snapshot->history.append(record);
+    snapshot->historyRevision = revision;
+    announceChange();
+    return true;
+}
+
+// Looked up first: the record of a service that is no longer wanted is not written.
+bool AppModel::recordService(const ProviderCheckRecord& record) {
+    const auto snapshot = std::ranges::find_if(providerSnapshots_,
+        [&](const ProviderSnapshot& candidate) { return candidate.provider.id == record.providerID; });
+    if (snapshot == providerSnapshots_.end()) return false;
+    snapshot->historyRevision = collaborators_.writer.appendProviderCheck(record);
+    snapshot->history.append(record);
+    announceChange();
+    return true;
+}
+
+Task<> AppModel::notify(
+    Reference self, TaskContext context, CycleTicket ticket, std::vector<NotificationObservation> observations) {
+    NotificationInputs inputs;
+    NotificationObserving* coordinator = nullptr;
+    {
+        const auto model = self.lock();
+        if (!model || context.isCancelled() || model->policyGeneration_ != ticket.policyGeneration) co_return;
+        inputs = model->notificationInputs();
+        coordinator = &model->collaborators_.notificationCoordinator;
+    }
+    const std::shared_ptr<NotificationPolicyLease> lease = inputs.lease;
+    Task<NotificationManagementState> observing = coordinator->observe(std::move(observations), std::move(inputs));
+    NotificationManagementState answer = co_await std::move(observing);
+
+    const auto model = self.lock();
+    if (!model || model->policyGeneration_ != ticket.policyGeneration || !lease->isValid()) co_return;
+    model->notificationState_ = std::move(answer);
+    model->announceChange();
+}
+
+} // namespace kestrin

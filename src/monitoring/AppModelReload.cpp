@@ -1,0 +1,176 @@
+#include "monitoring/AppModel.h"
+
+#include "monitoring/MonitoredTargets.h"
+#include "monitoring/Selection.h"
+#include "tasks/Offload.h"
+#include "tasks/Spawn.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+constexpr std::int64_t defaultIntervalSeconds = 300;
+constexpr std::int64_t shortestIntervalSeconds = 60;
+
+/// The blocking work of a reload and of a comparison; each owns a copy of all it reads.
+struct Load {
+    ModelLoader loader;
+    AppModelLoadResult operator()(const std::stop_token& stop) const { return loader.load(stop); }
+};
+
+struct Comparison {
+    ModelLoader loader;
+    ExpectedStateRevisions expected;
+    bool operator()(const std::stop_token& stop) const { return loader.revisionsMatch(expected, stop); }
+};
+
+} // namespace
+
+void AppModel::reload() {
+    std::optional<std::string> previousActiveSiteID = activeSiteID();
+    // First the lease, then the generation, and no await between: nobody may see one without the other.
+    notificationPolicyLease_->invalidate();
+    notificationPolicyLease_ = std::make_shared<NotificationPolicyLease>();
+    ++policyGeneration_;
+    if (reloadTask_) reloadTask_.cancel();
+    if (revisionRefreshTask_) revisionRefreshTask_.cancel();
+    revisionRefreshTask_.reset();
+    isLoading_ = true;
+    reloadTask_ =
+        spawn(collaborators_.mainExecutor, runReload(self_, policyGeneration_, std::move(previousActiveSiteID)));
+    announceChange();
+}
+
+Task<> AppModel::runReload(
+    Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID) {
+    std::optional<Load> load;
+    BlockingPool* pool = nullptr;
+    {
+        const auto model = self.lock();
+        if (!model) co_return;
+        load.emplace(model->loader_);
+        pool = &model->collaborators_.loadPool;
+    }
+    Task<AppModelLoadResult> loading = offload(*pool, std::move(*load));
+    AppModelLoadResult result = co_await std::move(loading);
+
+    NotificationInputs inputs;
+    NotificationObserving* coordinator = nullptr;
+    {
+        const auto model = self.lock();
+        if (!model || model->policyGeneration_ != generation) co_return;
+        model->apply(std::move(result), previousActiveSiteID);
+        inputs = model->notificationInputs();
+        coordinator = &model->collaborators_.notificationCoordinator;
+    }
+    // What notifications remember is brought in line before loading counts as finished.
+    const std::shared_ptr<NotificationPolicyLease> lease = inputs.lease;
+    Task<NotificationManagementState> refreshing = coordinator->refreshState(std::move(inputs));
+    NotificationManagementState answer = co_await std::move(refreshing);
+
+    const auto model = self.lock();
+    if (!model || model->policyGeneration_ != generation || !lease->isValid()) co_return;
+    model->notificationState_ = std::move(answer);
+    model->isLoading_ = false;
+    model->reloadTask_.reset();
+    model->announceChange();
+}
+
+void AppModel::apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID) {
+    if (auto* configured = std::get_if<LoadedConfigured>(&result))
+        applyLoaded(std::move(*configured), previousActiveSiteID);
+    else if (auto* notConfigured = std::get_if<LoadedNotConfigured>(&result))
+        applyLoaded(*notConfigured);
+    else
+        applyLoaded(std::get<LoadFailed>(std::move(result)));
+    lastLoadedAt_ = collaborators_.wallClock();
+    announceChange();
+}
+
+void AppModel::applyLoaded(LoadedNotConfigured loaded) {
+    showNothing();
+    configuration_ = SiteConfiguration();
+    configurationRevision_ = loaded.configurationRevision;
+    isFirstRun_ = true;
+    loadError_.reset();
+}
+
+// An empty dashboard, rather than data that nobody can vouch for; and without a configuration nothing is checked.
+void AppModel::applyLoaded(LoadFailed failed) {
+    showNothing();
+    configuration_.reset();
+    configurationRevision_ = {};
+    isFirstRun_ = false;
+    loadError_ = std::move(failed.message);
+}
+
+void AppModel::showNothing() {
+    customProviderConfiguration_ = {};
+    customProviderRevision_ = {};
+    customProviderIssue_.reset();
+    snapshots_.clear();
+    providerSnapshots_.clear();
+    selectedSiteID_.clear();
+    selectedProviderID_.clear();
+    providerStatusEnabled_ = false;
+    configurationIssue_.reset();
+    intervalSeconds_ = defaultIntervalSeconds;
+}
+
+void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID) {
+    configuration_ = std::move(loaded.configuration);
+    configurationRevision_ = loaded.configurationRevision;
+    customProviderConfiguration_ = std::move(loaded.customProviderConfiguration);
+    customProviderRevision_ = loaded.customProviderRevision;
+    customProviderIssue_ = std::move(loaded.customProviderIssue);
+    snapshots_ = std::move(loaded.snapshots);
+    configurationIssue_ = configurationIssueOf(*configuration_);
+    intervalSeconds_ = std::max(configuration_->intervalSeconds, shortestIntervalSeconds);
+    providerStatusEnabled_ = configuration_->providerStatus.enabled;
+    providerSnapshots_ = std::move(loaded.providerSnapshots);
+    selectedSiteID_ = reconciledSiteSelection(
+        selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
+    selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
+    isFirstRun_ = false;
+    loadError_.reset();
+}
+
+void AppModel::refreshIfStateChanged() {
+    if (isLoading_ || revisionRefreshTask_) return;
+    revisionRefreshTask_ = spawn(collaborators_.mainExecutor, runRevisionRefresh(self_, expectedRevisions()));
+}
+
+Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expected) {
+    const TaskContext context = co_await currentContext();
+    std::optional<Comparison> comparison;
+    BlockingPool* pool = nullptr;
+    {
+        const auto model = self.lock();
+        if (!model) co_return;
+        comparison.emplace(model->loader_, std::move(expected));
+        pool = &model->collaborators_.loadPool;
+    }
+    Task<bool> comparing = offload(*pool, std::move(*comparison));
+    const bool unchanged = co_await std::move(comparing);
+
+    // A comparison that was cancelled has been superseded, and the field is no longer its own.
+    const auto model = self.lock();
+    if (!model || context.isCancelled()) co_return;
+    model->revisionRefreshTask_.reset();
+    if (!unchanged) model->reload();
+}
+
+ExpectedStateRevisions AppModel::expectedRevisions() const {
+    ExpectedStateRevisions expected{
+        .configuration = configurationRevision_, .customProviders = customProviderRevision_};
+    for (const SiteSnapshot& snapshot : snapshots_)
+        expected.websites[snapshot.site.id] = snapshot.historyRevision.value_or(HistoryFileRevision());
+    for (const ProviderSnapshot& snapshot : providerSnapshots_)
+        expected.providers[snapshot.provider.id] = snapshot.historyRevision.value_or(HistoryFileRevision());
+    return expected;
+}
+
+} // namespace kestrin
