@@ -50,7 +50,7 @@ template <class Item, class R, class Function> struct MapProgress {
 template <class Item, class R, class Function>
 Task<> mapLane(std::shared_ptr<MapProgress<Item, R, Function>> progress) {
     const TaskContext context = co_await currentContext();
-    while (progress->next < progress->items.size()) {
+    while (!context.isCancelled() && progress->next < progress->items.size()) {
         Item item = std::move(progress->items[progress->next++]);
         Task<R> child = progress->function(std::move(item));
         R result = co_await std::move(child);

@@ -33,12 +33,17 @@ SerialExecutor::SerialExecutor(BlockingPool& pool) : queue_(std::make_shared<Que
 SerialExecutor::~SerialExecutor() = default;
 
 void SerialExecutor::post(std::function<void()> work) {
-    {
-        const std::lock_guard guard(queue_->mutex);
-        queue_->work.push_back(std::move(work));
-        if (std::exchange(queue_->running, true)) return;
+    const std::lock_guard guard(queue_->mutex);
+    queue_->work.push_back(std::move(work));
+    if (queue_->running) return;
+    try {
+        pool_.run([queue = queue_] { queue->drain(); });
+        queue_->running = true;
+    } catch (...) {
+        // Refused by the pool: the caller is told, and the next one asks again.
+        queue_->work.pop_back();
+        throw;
     }
-    pool_.run([queue = queue_] { queue->drain(); });
 }
 
 } // namespace kestrin

@@ -24,6 +24,7 @@ namespace detail {
 /// What every coroutine of this runtime carries.
 struct PromiseBase {
     TaskContext context;
+    /// Nobody, until the awaiting coroutine has really been suspended.
     std::coroutine_handle<> continuation = std::noop_coroutine();
 };
 
@@ -94,10 +95,15 @@ public:
     public:
         explicit Awaiter(std::coroutine_handle<promise_type> frame) : frame_(frame) {}
         [[nodiscard]] bool await_ready() const noexcept { return false; }
-        template <class Promise> std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> parent) {
+        /// Runs the task up to its first suspension. One that ends without any never suspends its parent, so that
+        /// a loop over such tasks needs no more stack than one of them: a compiler that does not optimise turns
+        /// each transfer of control into a nested call. The executor is serial: nothing ends the task in between.
+        template <class Promise> bool await_suspend(std::coroutine_handle<Promise> parent) {
             frame_.promise().context = parent.promise().context;
+            frame_.resume();
+            if (frame_.done()) return false;
             frame_.promise().continuation = parent;
-            return frame_;
+            return true;
         }
         T await_resume() {
             if constexpr (std::is_void_v<T>)
