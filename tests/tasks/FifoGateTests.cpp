@@ -1,0 +1,180 @@
+#include "tasks/FifoGate.h"
+
+#include "fakes/ManualExecutor.h"
+#include "fakes/VirtualClock.h"
+#include "tasks/Sleep.h"
+#include "tasks/Spawn.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace kestrin {
+namespace {
+
+using std::chrono::seconds;
+using Log = std::vector<std::string>;
+
+Task<> operation(FifoGate& gate, Clock& clock, std::string name, Log& log) {
+    const FifoGate::Turn turn = co_await gate.enter();
+    log.push_back(name + " enters");
+    co_await sleepUntil(clock, clock.now() + seconds(1));
+    log.push_back(name + " wakes");
+    co_await sleepUntil(clock, clock.now() + seconds(1));
+    log.push_back(name + " leaves");
+}
+
+Task<> failingInside(FifoGate& gate, Clock& clock) {
+    const FifoGate::Turn turn = co_await gate.enter();
+    co_await sleepUntil(clock, clock.now() + seconds(1));
+    throw std::runtime_error("inside");
+}
+
+Task<> enterAndLeave(FifoGate& gate, std::string name, Log& log) {
+    const FifoGate::Turn turn = co_await gate.enter();
+    log.push_back(name);
+}
+
+Task<bool> cancelledOnEntering(FifoGate& gate) {
+    const FifoGate::Turn turn = co_await gate.enter();
+    const TaskContext context = co_await currentContext();
+    co_return context.isCancelled();
+}
+
+Task<Executor*> executorInside(FifoGate& gate) {
+    const FifoGate::Turn turn = co_await gate.enter();
+    const TaskContext context = co_await currentContext();
+    co_return context.executor;
+}
+
+class AGate : public testing::Test {
+protected:
+    void passSeconds(int count) {
+        executor.runUntilIdle();
+        for (int second = 0; second < count; ++second) {
+            clock.advance(seconds(1));
+            executor.runUntilIdle();
+        }
+    }
+
+    ManualExecutor executor;
+    VirtualClock clock;
+    FifoGate gate;
+    Log log;
+};
+
+TEST_F(AGate, thatIsFreeLetsIn) {
+    const TaskHandle<> handle = spawn(executor, enterAndLeave(gate, "only", log));
+    EXPECT_EQ(executor.runUntilIdle(), 1u);
+    EXPECT_TRUE(handle.done());
+    EXPECT_EQ(log, Log{"only"});
+}
+
+TEST_F(AGate, keepsATurnAcrossSuspensions) {
+    spawn(executor, operation(gate, clock, "a", log));
+    spawn(executor, operation(gate, clock, "b", log));
+    passSeconds(4);
+    EXPECT_EQ(log, (Log{"a enters", "a wakes", "a leaves", "b enters", "b wakes", "b leaves"}));
+}
+
+TEST_F(AGate, letsInWhoCameFirst) {
+    spawn(executor, operation(gate, clock, "holder", log));
+    executor.runUntilIdle();
+    log.clear();
+    Log expected{"holder wakes", "holder leaves"};
+    for (int number = 0; number < 10; ++number) {
+        spawn(executor, enterAndLeave(gate, std::to_string(number), log));
+        expected.push_back(std::to_string(number));
+    }
+    passSeconds(2);
+    EXPECT_EQ(log, expected);
+}
+
+TEST_F(AGate, letsNoNewcomerSlipInBetweenALeaveAndTheNextEntry) {
+    spawn(executor, operation(gate, clock, "a", log));
+    executor.runUntilIdle();
+    spawn(executor, enterAndLeave(gate, "b", log));
+    passSeconds(1);
+    clock.advance(seconds(1));
+    // The holder's last step is posted already; the newcomer starts right behind it, before "b" is resumed.
+    spawn(executor, enterAndLeave(gate, "newcomer", log));
+    executor.runUntilIdle();
+    EXPECT_EQ(log, (Log{"a enters", "a wakes", "a leaves", "b", "newcomer"}));
+}
+
+TEST_F(AGate, isLeftByAnException) {
+    const TaskHandle<> failing = spawn(executor, failingInside(gate, clock));
+    spawn(executor, enterAndLeave(gate, "next", log));
+    executor.runUntilIdle();
+    EXPECT_TRUE(log.empty());
+    passSeconds(1);
+    EXPECT_THROW(failing.take(), std::runtime_error);
+    EXPECT_EQ(log, Log{"next"});
+    const TaskHandle<> later = spawn(executor, enterAndLeave(gate, "later", log));
+    executor.runUntilIdle();
+    EXPECT_TRUE(later.done());
+}
+
+TEST_F(AGate, givesACancelledWaiterItsTurnAndLetsItSeeItsToken) {
+    spawn(executor, operation(gate, clock, "a", log));
+    executor.runUntilIdle();
+    const TaskHandle<bool> waiter = spawn(executor, cancelledOnEntering(gate));
+    const TaskHandle<bool> behind = spawn(executor, cancelledOnEntering(gate));
+    executor.runUntilIdle();
+    waiter.cancel();
+    executor.runUntilIdle();
+    EXPECT_FALSE(waiter.done());
+    passSeconds(2);
+    ASSERT_TRUE(waiter.done());
+    EXPECT_TRUE(waiter.take());
+    ASSERT_TRUE(behind.done());
+    EXPECT_FALSE(behind.take());
+}
+
+TEST_F(AGate, resumesAWaiterOnItsOwnExecutor) {
+    ManualExecutor other;
+    spawn(executor, operation(gate, clock, "a", log));
+    executor.runUntilIdle();
+    const TaskHandle<Executor*> waiter = spawn(other, executorInside(gate));
+    other.runUntilIdle();
+    passSeconds(2);
+    EXPECT_FALSE(waiter.done());
+    EXPECT_EQ(other.runUntilIdle(), 1u);
+    EXPECT_EQ(waiter.take(), &other);
+}
+
+TEST_F(AGate, handsOnATurnThatIsMoved) {
+    std::optional<FifoGate::Turn> kept;
+    struct Keeping {
+        static Task<> task(FifoGate& gate, std::optional<FifoGate::Turn>& kept) {
+            FifoGate::Turn turn = co_await gate.enter();
+            kept.emplace(std::move(turn));
+        }
+    };
+    spawn(executor, Keeping::task(gate, kept));
+    executor.runUntilIdle();
+    const TaskHandle<> waiter = spawn(executor, enterAndLeave(gate, "waiter", log));
+    executor.runUntilIdle();
+    EXPECT_FALSE(waiter.done());
+    kept.reset();
+    executor.runUntilIdle();
+    EXPECT_TRUE(waiter.done());
+}
+
+TEST_F(AGate, mayBeDestroyedWhileTurnsAreHeldAndWaitedFor) {
+    auto shortLived = std::make_unique<FifoGate>();
+    const TaskHandle<> holder = spawn(executor, operation(*shortLived, clock, "a", log));
+    const TaskHandle<> waiter = spawn(executor, operation(*shortLived, clock, "b", log));
+    executor.runUntilIdle();
+    shortLived.reset();
+    passSeconds(4);
+    EXPECT_TRUE(holder.done());
+    EXPECT_TRUE(waiter.done());
+    EXPECT_EQ(log.back(), "b leaves");
+}
+
+} // namespace
+} // namespace kestrin
