@@ -1,0 +1,127 @@
+#include "state/AtomicStateFile.h"
+#include "state/ConfigurationFile.h"
+#include "state/SafeIdentifier.h"
+#include "state/SiteConfigurationCoding.h"
+#include "state/StandardizedPath.h"
+#include "state/StateReader.h"
+#include "json/JSONParser.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace kestrin {
+
+namespace {
+
+/// Whether the state directory is there. Throws when something else is.
+bool rootExists(const std::filesystem::path& root) {
+    switch (AtomicStateFile::fileKind(root)) {
+    case StateFileKind::missing:
+        return false;
+    case StateFileKind::directory:
+        return true;
+    default:
+        throw ConfigurationReadError("Kestrin's state path is not a regular directory.");
+    }
+}
+
+std::filesystem::directory_iterator entries(const std::filesystem::path& directory) {
+    std::error_code error;
+    std::filesystem::directory_iterator iterator(directory, error);
+    if (error) throw POSIXError(error.value());
+    return iterator;
+}
+
+void advance(std::filesystem::directory_iterator& iterator) {
+    std::error_code error;
+    iterator.increment(error);
+    if (error) throw POSIXError(error.value());
+}
+
+/// The configuration in a backup; no value for a file that cannot be read or is none, such as a backup of the
+/// status services, which lies in the same directory.
+std::optional<SiteConfiguration> readBackup(const std::filesystem::path& path) {
+    try {
+        return decodeSiteConfiguration(parseJSON(readConfigurationFile(path)));
+    } catch (const MessageError&) {
+        return std::nullopt;
+    }
+}
+
+/// Whether a configuration backup of that name is to be read. Throws for a link and for what is no file at all.
+bool isReadableBackup(const std::filesystem::path& path) {
+    switch (AtomicStateFile::fileKind(path)) {
+    case StateFileKind::missing:
+    case StateFileKind::directory:
+        return false;
+    case StateFileKind::regularFile:
+        return true;
+    default:
+        throw ConfigurationReadError("Kestrin's configuration backup is not a regular file.");
+    }
+}
+
+bool entryExists(const std::filesystem::path& path) {
+    struct stat status{};
+    if (::lstat(path.c_str(), &status) == 0) return true;
+    if (errno == ENOENT) return false;
+    throwPOSIXError();
+}
+
+} // namespace
+
+std::optional<HistoryFileRevision> StateReader::configurationRevision() const {
+    if (!rootExists(rootURL_)) return std::nullopt;
+    return fileRevision(configurationFilePath(rootURL_), MissingFile::Allowed);
+}
+
+ConfigurationLoadResult StateReader::loadConfiguration() const {
+    if (!rootExists(rootURL_)) return ConfigurationLoadResult::notConfigured();
+    const std::filesystem::path file = configurationFilePath(rootURL_);
+    switch (AtomicStateFile::fileKind(file)) {
+    case StateFileKind::regularFile:
+        return ConfigurationLoadResult::configured(decodeSiteConfiguration(parseJSON(readConfigurationFile(file))));
+    case StateFileKind::missing:
+        break;
+    default:
+        throw ConfigurationReadError(std::string(configurationIsNotRegular));
+    }
+    if (entries(standardizedPath(rootURL_)) != std::filesystem::directory_iterator())
+        throw ConfigurationReadError("Kestrin's state directory contains data but is missing sites.json.");
+    return ConfigurationLoadResult::notConfigured();
+}
+
+std::set<std::string> StateReader::knownBackupSiteIDs() const {
+    const std::filesystem::path directory = backupDirectoryPath(rootURL_);
+    switch (AtomicStateFile::fileKind(directory)) {
+    case StateFileKind::missing:
+        return {};
+    case StateFileKind::directory:
+        break;
+    default:
+        throw ConfigurationReadError(std::string(backupPathIsNoDirectory));
+    }
+    std::set<std::string> ids;
+    for (auto entry = entries(directory); entry != std::filesystem::directory_iterator(); advance(entry)) {
+        const std::filesystem::path& path = entry->path();
+        if (path.extension() != ".json" || !isReadableBackup(path)) continue;
+        const auto backup = readBackup(path);
+        if (!backup) continue;
+        for (const SiteDefinition& site : backup->sites)
+            if (isSafeIdentifier(site.id)) ids.insert(site.id);
+    }
+    return ids;
+}
+
+std::string StateReader::nextAvailableSiteID(const std::set<std::string>& used) const {
+    const std::set<std::string> reserved = knownBackupSiteIDs();
+    for (std::uint64_t n = 1;; ++n) {
+        std::string id = "site-" + std::to_string(n);
+        if (used.contains(id) || reserved.contains(id)) continue;
+        if (!entryExists(historyFilePath(rootURL_, HistoryKind::Website, id))) return id;
+    }
+}
+
+} // namespace kestrin

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "model/HistoryFileRevision.h"
+#include "state/HistoryPath.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+
+namespace kestrin {
+
+/// The longest line of a history file, without its line feed.
+inline constexpr std::size_t maximumHistoryLineBytes = 8'388'608;
+
+/// The readable bytes behind every line that a sink gets; what they hold means nothing.
+inline constexpr std::size_t historyLinePadding = 64;
+
+/// Takes the lines of a history file one by one.
+struct HistoryLineSink {
+    virtual ~HistoryLineSink() = default;
+
+    /// `line` is neither empty nor too long, has no line feed and no carriage return at its end, and is gone after
+    /// the call. `historyLinePadding` bytes behind it can be read, so that a parser can work in place.
+    virtual void take(std::string_view line) = 0;
+};
+
+/// Hands every line of a target's history file to the sink, in file order, and returns the file's revision; no
+/// value and no lines when there is no file. Reads what was there at the start, in chunks: memory is bounded by one
+/// chunk and one line. Empty and oversized lines are passed over. Throws `HistoryReadError` when the file changed
+/// meanwhile, `CancellationError` when a stop was requested, `StatePathError` and `POSIXError`; lines may have been
+/// handed out before any of these.
+std::optional<HistoryFileRevision> scanHistoryLines(const std::filesystem::path& root, HistoryKind kind,
+    const std::string& id, HistoryLineSink& sink, const std::stop_token& stop = {});
+
+} // namespace kestrin

@@ -1,0 +1,54 @@
+#include "state/SiteValidation.h"
+
+#include "destinations/AddressTable.h"
+#include "destinations/LocalHostName.h"
+#include "destinations/URLSplitter.h"
+#include "state/SafeIdentifier.h"
+#include "state/StateErrors.h"
+#include "text/Trimming.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace kestrin {
+
+namespace {
+
+bool isLowerCaseOrDigit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+}
+bool isIdentifierCharacter(char c) {
+    return isLowerCaseOrDigit(c) || c == '-' || c == '_';
+}
+
+bool isWebScheme(std::string scheme) {
+    std::ranges::transform(
+        scheme, scheme.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return scheme == "http" || scheme == "https";
+}
+
+bool isComplete(const std::optional<WebURL>& url) {
+    return url && isWebScheme(url->scheme) && !url->host.empty() && !url->user && !url->password;
+}
+
+} // namespace
+
+void validateNewSiteID(std::string_view id) {
+    validateSafeIdentifier(id);
+    if (!isLowerCaseOrDigit(id.front()) || !std::ranges::all_of(id, isIdentifierCharacter))
+        throw StateValidationError("Site IDs may use lowercase letters, numbers, hyphens, and underscores.");
+}
+
+void validateSiteDefinition(const SiteDefinition& site) {
+    validateSafeIdentifier(site.id);
+    if (trimmed(site.name).empty()) throw StateValidationError("Every imported website needs a display name.");
+    const std::optional<WebURL> url = splitURL(trimmed(site.url));
+    if (!isComplete(url))
+        throw StateValidationError(
+            "Every imported website needs a complete HTTP(S) URL without embedded credentials.");
+    if (isLocalHostName(url->host) || (isNumericAddress(url->host) && !isPublicAddress(url->host)))
+        throw StateValidationError("Private, local, and reserved imported website destinations are blocked.");
+}
+
+} // namespace kestrin

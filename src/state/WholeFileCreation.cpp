@@ -1,0 +1,75 @@
+#include "state/WholeFileCreation.h"
+
+#include "state/AtomicStateFile.h"
+#include "state/FileDescriptor.h"
+#include "state/TemporaryFile.h"
+#include "state/WriteAll.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+namespace kestrin {
+
+namespace {
+
+constexpr mode_t defaultMode = 0666;
+constexpr std::string_view nothingWritten = "The disk took no data.";
+
+void write(std::string_view data, int descriptor, Durability durability) {
+    if (durability == Durability::Synced)
+        AtomicStateFile::writeAllAndSync(data, descriptor, nothingWritten);
+    else
+        writeAll(data, descriptor, nothingWritten);
+}
+
+void syncName(const std::filesystem::path& destination, Durability durability) {
+    if (durability == Durability::Synced) AtomicStateFile::syncDirectory(destination.parent_path());
+}
+
+/// Whether a nameless file is refused because the file system does not know such files.
+bool namelessIsUnknown(int code) {
+    return code == EOPNOTSUPP || code == EISDIR || code == EINVAL;
+}
+
+/// Gives a nameless file its name. False where "/proc", through which that is done, is not there.
+bool giveName(const FileDescriptor& file, const std::filesystem::path& destination) {
+    const std::string nameless = "/proc/self/fd/" + std::to_string(file.get());
+    if (::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, destination.c_str(), AT_SYMLINK_FOLLOW) == 0) return true;
+    if (errno != ENOENT) throwPOSIXError();
+    return false;
+}
+
+/// False where the file system or the machine cannot do it; nothing is left then.
+bool createNameless(std::string_view data, const std::filesystem::path& destination, Durability durability) {
+    try {
+        const FileDescriptor file =
+            FileDescriptor::open(destination.parent_path(), O_WRONLY | O_TMPFILE, defaultMode);
+        write(data, file.get(), durability);
+        return giveName(file, destination);
+    } catch (const POSIXError& error) {
+        if (namelessIsUnknown(error.code)) return false;
+        throw;
+    }
+}
+
+} // namespace
+
+void createWholeFile(std::string_view data, const std::filesystem::path& destination,
+    const std::filesystem::path& temporaryDirectory, Durability durability) {
+    if (!createNameless(data, destination, durability))
+        return createWholeFileUnderTemporaryName(data, destination, temporaryDirectory, durability);
+    syncName(destination, durability);
+}
+
+void createWholeFileUnderTemporaryName(std::string_view data, const std::filesystem::path& destination,
+    const std::filesystem::path& temporaryDirectory, Durability durability) {
+    TemporaryFile temporary(temporaryDirectory / (".Kestrin-" + freshUUID() + ".tmp"), defaultMode);
+    write(data, temporary.descriptor(), durability);
+    temporary.renameToUnused(destination);
+    syncName(destination, durability);
+}
+
+} // namespace kestrin
