@@ -1,10 +1,11 @@
 #pragma once
 
+#include "http/ProxyExceptions.h"
+
 #include <cstdint>
 #include <expected>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace kestrin {
 
@@ -25,9 +26,8 @@ public:
 
     /// Direct connections only.
     ProxySettings() = default;
-    /// `proxy`: a URL, or host and port; empty for none. `exceptions`: hosts to reach directly, as `no_proxy` lists
-    /// them: names that also cover their subdomains, addresses, networks such as 10.0.0.0/8, or "*" for all.
-    ProxySettings(std::string proxy, const std::string& exceptions);
+    /// `proxy`: a URL, or host and port; empty for none.
+    explicit ProxySettings(const std::string& proxy, ProxyExceptions exceptions = {});
 
     /// `https_proxy`, `HTTPS_PROXY`, `all_proxy` or `ALL_PROXY`, whichever is first set and not empty, with
     /// `no_proxy` or `NO_PROXY`. To be called before threads change the environment.
@@ -38,10 +38,8 @@ public:
     [[nodiscard]] std::expected<std::optional<ProxyServer>, Problem> proxyFor(const std::string& host) const;
 
 private:
-    [[nodiscard]] bool isException(const std::string& host) const;
-
-    std::string proxy_;
-    std::vector<std::string> exceptions_;
+    std::expected<std::optional<ProxyServer>, Problem> server_;
+    ProxyExceptions exceptions_;
 };
 
 } // namespace kestrin
