@@ -1,7 +1,7 @@
 #include "state/SiteValidation.h"
 
-#include "destinations/AddressTable.h"
-#include "destinations/LocalHostName.h"
+#include "destinations/BlockedHost.h"
+#include "destinations/URLScheme.h"
 #include "destinations/URLSplitter.h"
 #include "state/SafeIdentifier.h"
 #include "state/StateErrors.h"
@@ -22,14 +22,10 @@ bool isIdentifierCharacter(char c) {
     return isLowerCaseOrDigit(c) || c == '-' || c == '_';
 }
 
-bool isWebScheme(std::string scheme) {
-    std::ranges::transform(
-        scheme, scheme.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return scheme == "http" || scheme == "https";
-}
-
 bool isComplete(const std::optional<WebURL>& url) {
-    return url && isWebScheme(url->scheme) && !url->host.empty() && !url->user && !url->password;
+    if (!url || url->host.empty() || url->user || url->password) return false;
+    const std::string scheme = lowercaseScheme(*url);
+    return scheme == "http" || scheme == "https";
 }
 
 } // namespace
@@ -47,7 +43,7 @@ void validateSiteDefinition(const SiteDefinition& site) {
     if (!isComplete(url))
         throw StateValidationError(
             "Every imported website needs a complete HTTP(S) URL without embedded credentials.");
-    if (isLocalHostName(url->host) || (isNumericAddress(url->host) && !isPublicAddress(url->host)))
+    if (isBlockedHost(url->host))
         throw StateValidationError("Private, local, and reserved imported website destinations are blocked.");
 }
 
