@@ -55,8 +55,8 @@ std::string withoutDotSegments(std::string_view path) {
 
 std::string mergedPath(const WebURL& base, std::string_view path) {
     const auto slash = base.path.rfind('/');
-    if (slash == std::string::npos) return "/" + std::string(path);
-    return base.path.substr(0, slash + 1) + std::string(path);
+    std::string merged = slash == std::string::npos ? "/" : base.path.substr(0, slash + 1);
+    return merged.append(path);
 }
 
 /// `prefix` is the scheme with its colon, `hierarchy` begins with "//": the location brings an authority of its

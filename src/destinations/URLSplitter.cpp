@@ -129,14 +129,14 @@ std::string joinURL(const WebURL& url) {
     std::string text = url.scheme + "://";
     if (url.user || url.password) {
         text += url.user.value_or("");
-        if (url.password) text += ":" + *url.password;
+        if (url.password) text.append(":").append(*url.password);
         text += "@";
     }
     text += asciiHostForWire(url);
-    if (url.port) text += ":" + std::to_string(*url.port);
+    if (url.port) text.append(":").append(std::to_string(*url.port));
     text += url.path;
-    if (url.query) text += "?" + *url.query;
-    if (url.fragment) text += "#" + *url.fragment;
+    if (url.query) text.append("?").append(*url.query);
+    if (url.fragment) text.append("#").append(*url.fragment);
     return text;
 }
 

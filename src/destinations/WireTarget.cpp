@@ -39,7 +39,7 @@ std::string encoded(std::string_view text) {
 
 std::string wireTarget(const WebURL& url) {
     std::string target = url.path.empty() ? "/" : encoded(url.path);
-    if (url.query) target += "?" + encoded(*url.query);
+    if (url.query) target.append("?").append(encoded(*url.query));
     return target;
 }
 

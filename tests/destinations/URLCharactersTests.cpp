@@ -35,7 +35,7 @@ TEST(URLCharacters, areNotBytesOutsideUTF8) {
              "\xE2\x82"sv, "\xED\xA0\x80"sv, "\xED\xBF\xBF"sv, "\xF0\x8F\xBF\xBF"sv, "\xF0\x9F\x98"sv,
              "\xF4\x90\x80\x80"sv, "\xF5\x80\x80\x80"sv, "\xFE"sv, "\xFF"sv}) {
         EXPECT_FALSE(hasOnlyURLCharacters(text));
-        EXPECT_FALSE(hasOnlyURLCharacters("a" + std::string(text) + "b"));
+        EXPECT_FALSE(hasOnlyURLCharacters(std::string("a").append(text).append("b")));
     }
 }
 
