@@ -164,8 +164,9 @@ Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expec
 }
 
 ExpectedStateRevisions AppModel::expectedRevisions() const {
-    ExpectedStateRevisions expected{
-        .configuration = configurationRevision_, .customProviders = customProviderRevision_};
+    ExpectedStateRevisions expected;
+    expected.configuration = configurationRevision_;
+    expected.customProviders = customProviderRevision_;
     for (const SiteSnapshot& snapshot : snapshots_)
         expected.websites[snapshot.site.id] = snapshot.historyRevision.value_or(HistoryFileRevision());
     for (const ProviderSnapshot& snapshot : providerSnapshots_)

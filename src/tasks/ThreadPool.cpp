@@ -17,7 +17,7 @@ struct ThreadPool::State {
     const std::chrono::milliseconds idleTime;
     std::mutex mutex;
     std::condition_variable workArrived;
-    std::condition_variable threadEnded;
+    std::condition_variable workEnded;
     std::deque<std::function<void()>> waiting;
     std::size_t threads = 0;
     std::size_t idle = 0;
@@ -28,6 +28,7 @@ struct ThreadPool::State {
         while (true) {
             if (waiting.empty() && !closed) {
                 ++idle;
+                workEnded.notify_all();
                 workArrived.wait_for(lock, idleTime, [this] { return !waiting.empty() || closed; });
                 --idle;
             }
@@ -40,7 +41,7 @@ struct ThreadPool::State {
             lock.lock();
         }
         --threads;
-        threadEnded.notify_all();
+        workEnded.notify_all();
     }
 };
 
@@ -78,9 +79,15 @@ bool ThreadPool::shutDown(std::chrono::milliseconds patience) {
     state_->closed = true;
     dropped.swap(state_->waiting);
     state_->workArrived.notify_all();
-    const bool ended = state_->threadEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
+    const bool ended = state_->workEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
     lock.unlock();
     return ended;
+}
+
+bool ThreadPool::waitUntilIdle(std::chrono::milliseconds patience) {
+    std::unique_lock lock(state_->mutex);
+    return state_->workEnded.wait_for(
+        lock, patience, [this] { return state_->waiting.empty() && state_->threads == state_->idle; });
 }
 
 std::size_t ThreadPool::busyThreads() const {

@@ -25,6 +25,9 @@ public:
     /// running; otherwise threads are stuck and the process must end without running destructors.
     [[nodiscard]] bool shutDown(std::chrono::milliseconds patience);
 
+    /// Waits at most `patience` until nothing runs and nothing waits; work that comes later is another matter.
+    [[nodiscard]] bool waitUntilIdle(std::chrono::milliseconds patience);
+
     /// Pieces of work that run now; one that has been abandoned counts until it returns.
     [[nodiscard]] std::size_t busyThreads() const;
 

@@ -1,0 +1,141 @@
+#include "dashboard/view/PopoverView.h"
+
+#include "dashboard/view/WebsiteRowWidget.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLayoutItem>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+constexpr int widthInEm = 24;
+constexpr int heightInEm = 30;
+
+QLabel* wrappedLabel(QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+void showButton(QPushButton* button, const DashboardButton& content) {
+    const QString label = QString::fromStdString(content.label);
+    button->setText(label);
+    button->setAccessibleName(label);
+    button->setEnabled(content.enabled);
+}
+
+} // namespace
+
+PopoverView::PopoverView(Actions actions, QWidget* parent)
+    : QWidget(parent), title_(wrappedLabel(this)), subtitle_(wrappedLabel(this)), notices_(new QVBoxLayout),
+      panel_(new QWidget(this)), panelTitle_(wrappedLabel(panel_)), panelDescription_(wrappedLabel(panel_)),
+      list_(new QScrollArea(this)), rowLayout_(nullptr), startStop_(new QPushButton(this)),
+      checkNow_(new QPushButton(this)), quit_(new QPushButton(this)) {
+    QFont heading = font();
+    heading.setBold(true);
+    panelTitle_->setFont(heading);
+    heading.setPointSizeF(heading.pointSizeF() * 1.25);
+    title_->setFont(heading);
+    panelTitle_->setAlignment(Qt::AlignCenter);
+    panelDescription_->setAlignment(Qt::AlignCenter);
+
+    auto* panelLayout = new QVBoxLayout(panel_);
+    panelLayout->addStretch();
+    panelLayout->addWidget(panelTitle_);
+    panelLayout->addWidget(panelDescription_);
+    panelLayout->addStretch();
+
+    auto* rows = new QWidget;
+    rowLayout_ = new QVBoxLayout(rows);
+    rowLayout_->setContentsMargins(0, 0, 8, 0);
+    rowLayout_->addStretch();
+    list_->setWidget(rows);
+    list_->setWidgetResizable(true);
+    list_->setFrameShape(QFrame::NoFrame);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setAccessibleName("Websites");
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(startStop_);
+    buttons->addWidget(checkNow_);
+    buttons->addStretch();
+    buttons->addWidget(quit_);
+
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(title_);
+    column->addWidget(subtitle_);
+    column->addLayout(notices_);
+    column->addWidget(panel_, 1);
+    column->addWidget(list_, 1);
+    column->addLayout(buttons);
+
+    for (auto [button, action] : {std::pair(startStop_, actions.startOrStop),
+             std::pair(checkNow_, actions.checkNow), std::pair(quit_, actions.quit)})
+        connect(button, &QPushButton::clicked, this, [run = action] { run(); });
+}
+
+QSize PopoverView::sizeHint() const {
+    const int em = fontMetrics().height();
+    return {std::max(widthInEm * em, minimumSizeHint().width()), heightInEm * em};
+}
+
+void PopoverView::show(const DashboardContent& content) {
+    if (shown_ == content) return;
+    title_->setText(QString::fromStdString(content.title));
+    subtitle_->setText(QString::fromStdString(content.subtitle));
+    if (!shown_ || shown_->notices != content.notices) showNotices(content.notices);
+    showPanel(content.panel);
+    showWebsites(content.websites);
+    showButton(startStop_, content.startStop);
+    showButton(checkNow_, content.checkNow);
+    showButton(quit_, content.quit);
+    shown_ = content;
+}
+
+void PopoverView::showPanel(const std::optional<DashboardPanel>& panel) {
+    panel_->setVisible(panel.has_value());
+    list_->setVisible(!panel);
+    if (!panel) return;
+    panelTitle_->setText(QString::fromStdString(panel->title));
+    panelDescription_->setText(QString::fromStdString(panel->description));
+}
+
+void PopoverView::showNotices(const std::vector<std::string>& notices) {
+    while (QLayoutItem* item = notices_->takeAt(0)) {
+        item->widget()->deleteLater();
+        delete item;
+    }
+    for (const std::string& notice : notices) {
+        QLabel* label = wrappedLabel(this);
+        label->setText(QString::fromStdString(notice));
+        notices_->addWidget(label);
+    }
+}
+
+// Rows are kept and filled anew, so that a row keeps the keyboard's focus and a screen reader's place.
+void PopoverView::showWebsites(const std::vector<WebsiteRow>& websites) {
+    while (rows_.size() > websites.size()) {
+        rows_.back()->deleteLater();
+        rowLayout_->removeWidget(rows_.back());
+        rows_.pop_back();
+    }
+    while (rows_.size() < websites.size()) {
+        auto* row = new WebsiteRowWidget;
+        rowLayout_->insertWidget(static_cast<int>(rows_.size()), row);
+        rows_.push_back(row);
+    }
+    for (std::size_t index = 0; index < websites.size(); ++index)
+        if (!shown_ || index >= shown_->websites.size() || shown_->websites[index] != websites[index])
+            rows_[index]->show(websites[index]);
+}
+
+} // namespace kestrin

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "dashboard/DashboardContent.h"
+
+#include <QWidget>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QLabel;
+class QPushButton;
+class QScrollArea;
+class QVBoxLayout;
+
+namespace kestrin {
+
+class WebsiteRowWidget;
+
+/// Draws a `DashboardContent` and passes on what the user did. Knows neither the model nor the window around it.
+class PopoverView : public QWidget {
+public:
+    struct Actions {
+        std::function<void()> startOrStop;
+        std::function<void()> checkNow;
+        std::function<void()> quit;
+    };
+
+    explicit PopoverView(Actions actions, QWidget* parent = nullptr);
+    void show(const DashboardContent& content);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+private:
+    void showPanel(const std::optional<DashboardPanel>& panel);
+    void showNotices(const std::vector<std::string>& notices);
+    void showWebsites(const std::vector<WebsiteRow>& websites);
+
+    std::optional<DashboardContent> shown_;
+    QLabel* title_;
+    QLabel* subtitle_;
+    QVBoxLayout* notices_;
+    QWidget* panel_;
+    QLabel* panelTitle_;
+    QLabel* panelDescription_;
+    QScrollArea* list_;
+    QVBoxLayout* rowLayout_;
+    std::vector<WebsiteRowWidget*> rows_;
+    QPushButton* startStop_;
+    QPushButton* checkNow_;
+    QPushButton* quit_;
+};
+
+} // namespace kestrin

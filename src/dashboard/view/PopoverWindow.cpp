@@ -1,0 +1,95 @@
+#include "dashboard/view/PopoverWindow.h"
+
+#include "platform/PopoverPlacement.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <chrono>
+
+namespace kestrin {
+
+namespace {
+
+// The press of a click takes the focus away, its release arrives as the activation: a click takes no longer than
+// this.
+constexpr std::chrono::milliseconds longestClick{400};
+
+ScreenArea areaOf(const QScreen& screen) {
+    return {.full = screen.geometry(),
+        .available = screen.availableGeometry(),
+        .devicePixelRatio = screen.devicePixelRatio()};
+}
+
+} // namespace
+
+PopoverWindow::PopoverWindow(QWidget* content) {
+    setWindowTitle("Kestrin");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(content);
+}
+
+void PopoverWindow::toggle(std::optional<QPoint> click, const std::string& activationToken) {
+    const bool closedByThisClick =
+        sinceFocusWasLost_.isValid() && sinceFocusWasLost_.elapsed() < longestClick.count();
+    sinceFocusWasLost_.invalidate();
+    if (closedByThisClick) return;
+    if (isVisible() && style_ == Style::Popover) {
+        hide();
+        return;
+    }
+    open(click, activationToken);
+}
+
+void PopoverWindow::open(std::optional<QPoint> click, const std::string& activationToken) {
+    if (!activationToken.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    if (!isVisible()) {
+        applyStyle();
+        adjustSize();
+        if (style_ == Style::Popover) moveBeside(click);
+        if (onOpen) onOpen();
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void PopoverWindow::applyStyle() {
+    // A tool window rather than Qt's own kind of popup, which screen readers do not see.
+    const Qt::WindowFlags flags =
+        style_ == Style::Popover ? Qt::Tool | Qt::FramelessWindowHint : Qt::WindowFlags(Qt::Window);
+    if (windowFlags() != flags) setWindowFlags(flags);
+}
+
+void PopoverWindow::moveBeside(std::optional<QPoint> click) {
+    QList<ScreenArea> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(areaOf(*screen));
+    if (screens.isEmpty()) return;
+    const std::optional<PlacedClick> placed = click ? placeClick(*click, screens) : std::nullopt;
+    const ScreenArea& screen = placed ? screens[placed->screen] : screens.front();
+    const std::optional<QPoint> point = placed ? std::optional(placed->point) : std::nullopt;
+    resize(size().boundedTo(screen.available.size()));
+    move(popoverPosition(size(), point, panelEdge(screen, point), screen));
+}
+
+void PopoverWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || style_ != Style::Popover) return;
+    if (!isVisible() || isActiveWindow()) return;
+    hide();
+    sinceFocusWasLost_.start();
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace kestrin

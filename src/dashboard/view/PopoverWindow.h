@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QWidget>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace kestrin {
+
+/// The window around the dashboard. Beside a tray icon it is a popover: placed at the click, gone when another
+/// window becomes active. Without one it is an ordinary window that stays; closing hides it. Main thread only.
+class PopoverWindow : public QWidget {
+public:
+    enum class Style { Popover, OrdinaryWindow };
+
+    explicit PopoverWindow(QWidget* content);
+
+    /// Before the next opening; an open window keeps its style.
+    void setStyle(Style style) { style_ = style; }
+    /// A click on the icon: closes the window when it is open and also when that very click took its focus away.
+    void toggle(std::optional<QPoint> click, const std::string& activationToken);
+    /// Shows the window, or brings it forward.
+    void open(std::optional<QPoint> click, const std::string& activationToken);
+
+    std::function<void()> onOpen;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void applyStyle();
+    void moveBeside(std::optional<QPoint> click);
+
+    Style style_ = Style::OrdinaryWindow;
+    QElapsedTimer sinceFocusWasLost_;
+};
+
+} // namespace kestrin

@@ -1,0 +1,47 @@
+#include "dashboard/view/WebsiteRowWidget.h"
+
+#include <QGridLayout>
+#include <QLabel>
+
+namespace kestrin {
+
+namespace {
+
+// Names and addresses are the user's text: never markup, and a long one wraps rather than widens the window.
+QLabel* plainLabel(QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+WebsiteRowWidget::WebsiteRowWidget(QWidget* parent)
+    : QFrame(parent), name_(plainLabel(this)), state_(new QLabel(this)), lastResult_(plainLabel(this)) {
+    QFont bold = font();
+    bold.setBold(true);
+    name_->setFont(bold);
+    state_->setFont(bold);
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 4, 0, 4);
+    layout->setVerticalSpacing(1);
+    layout->addWidget(name_, 0, 0);
+    layout->addWidget(state_, 0, 1, Qt::AlignRight | Qt::AlignTop);
+    layout->addWidget(lastResult_, 1, 0, 1, 2);
+    layout->setColumnStretch(0, 1);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void WebsiteRowWidget::show(const WebsiteRow& row) {
+    const QString name = QString::fromStdString(row.name);
+    const QString state = QString::fromStdString(row.stateText);
+    const QString lastResult = QString::fromStdString(row.lastResult);
+    name_->setText(name);
+    state_->setText(state);
+    lastResult_->setText(lastResult);
+    setAccessibleName(name);
+    setAccessibleDescription(state + ", " + lastResult);
+}
+
+} // namespace kestrin

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "dashboard/DashboardContent.h"
+
+#include <QFrame>
+
+class QLabel;
+
+namespace kestrin {
+
+/// One website in the popover: its name and state, and below them what the last check saw.
+class WebsiteRowWidget : public QFrame {
+public:
+    explicit WebsiteRowWidget(QWidget* parent = nullptr);
+    void show(const WebsiteRow& row);
+
+private:
+    QLabel* name_;
+    QLabel* state_;
+    QLabel* lastResult_;
+};
+
+} // namespace kestrin

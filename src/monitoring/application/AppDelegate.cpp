@@ -1,0 +1,122 @@
+#include "monitoring/application/AppDelegate.h"
+
+#include "dashboard/DashboardContent.h"
+
+#include <QApplication>
+#include <chrono>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+// A panel that starts along with the session takes a moment; only after it is there known to be none.
+constexpr std::chrono::seconds hostGracePeriod{5};
+
+} // namespace
+
+AppDelegate::AppDelegate(
+    const std::filesystem::path& stateRoot, std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices)
+    : formats_(LocaleFormats::fromEnvironment()), launchNotices_(std::move(launchNotices)),
+      graph_(stateRoot, executor_, clock_), view_(new PopoverView({.startOrStop = [this] { startOrStop(); },
+                                                .checkNow = [this] { graph_.model().checkNow(); },
+                                                .quit = [] { QApplication::quit(); }})),
+      window_(view_), tray_(std::move(tray)) {
+    graph_.model().onChange = [this] { modelChanged(); };
+    window_.onOpen = [this] {
+        graph_.model().refreshIfStateChanged();
+        redraw();
+    };
+    if (tray_) {
+        connectTray();
+        tray_->show();
+    } else {
+        window_.open(std::nullopt, {});
+    }
+}
+
+void AppDelegate::connectTray() {
+    tray_->onActivate = [this](std::optional<QPoint> click) {
+        chooseWindowStyle();
+        window_.toggle(click, tray_->takeActivationToken());
+    };
+    tray_->onMenu = [this](const std::string& id) { runMenuCommand(id); };
+    tray_->onHostedChanged = [this](bool hosted) {
+        if (hosted) hostGrace_.stop();
+    };
+    updateMenu();
+
+    // Nobody who started the program should be left looking at nothing.
+    hostGrace_.setSingleShot(true);
+    QObject::connect(&hostGrace_, &QTimer::timeout, &hostGrace_, [this] {
+        if (!tray_->isHosted()) activate({});
+    });
+    hostGrace_.start(hostGracePeriod);
+}
+
+void AppDelegate::activate(const std::string& activationToken) {
+    hostGrace_.stop();
+    chooseWindowStyle();
+    window_.open(std::nullopt, activationToken);
+}
+
+// Only X11 lets a client place its windows, and only a panel's icon gives a popover a place and a way back.
+void AppDelegate::chooseWindowStyle() {
+    if (window_.isVisible()) return;
+    const bool canPlaceWindows = QGuiApplication::platformName() == "xcb";
+    const bool hosted = tray_ && tray_->isHosted();
+    window_.setStyle(
+        canPlaceWindows && hosted ? PopoverWindow::Style::Popover : PopoverWindow::Style::OrdinaryWindow);
+}
+
+void AppDelegate::modelChanged() {
+    updateMenu();
+    // However many changes one turn of the event loop brings, they are drawn once, and not at all while nothing
+    // shows.
+    if (!window_.isVisible() || std::exchange(redrawIsDue_, true)) return;
+    executor_.post([this] {
+        redrawIsDue_ = false;
+        redraw();
+    });
+}
+
+void AppDelegate::redraw() {
+    DashboardContent content = dashboardContent(graph_.model(), formats_);
+    content.notices.insert(content.notices.begin(), launchNotices_.begin(), launchNotices_.end());
+    view_->show(content);
+}
+
+void AppDelegate::updateMenu() {
+    const bool showsStop = graph_.model().isMonitoring();
+    if (!tray_ || menuShowsStop_ == showsStop) return;
+    menuShowsStop_ = showsStop;
+    tray_->setMenu({{.id = "dashboard", .label = "Open dashboard"},
+        {.id = "start-stop", .label = showsStop ? "Stop" : "Start"}, {.id = "", .label = "", .separator = true},
+        {.id = "quit", .label = "Quit"}});
+}
+
+void AppDelegate::runMenuCommand(const std::string& id) {
+    if (id == "dashboard")
+        activate(tray_->takeActivationToken());
+    else if (id == "start-stop")
+        startOrStop();
+    else if (id == "quit")
+        QApplication::quit();
+}
+
+void AppDelegate::startOrStop() {
+    AppModel& model = graph_.model();
+    if (model.isMonitoring())
+        model.stopMonitoring();
+    else
+        model.startMonitoring();
+}
+
+bool AppDelegate::shutDown() {
+    if (tray_) tray_->hide();
+    graph_.model().onChange = nullptr;
+    window_.hide();
+    return graph_.shutDown([this] { executor_.drain(); });
+}
+
+} // namespace kestrin

@@ -1,0 +1,69 @@
+#include "monitoring/application/MonitoringGraph.h"
+
+#include "http/SystemNameResolver.h"
+#include "monitoring/LiveCheckRunner.h"
+#include "services/CustomProviderFile.h"
+#include "services/KnownServices.h"
+
+#include <chrono>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+// Four checks at most are in flight, each with one transfer; the rest is for loads and the serial owners.
+constexpr std::size_t workThreads = 12;
+// Resolutions cannot be stopped: beside those in use there must be room for every one that may be left behind.
+constexpr std::size_t resolverThreads = BackgroundResolver::defaultMaximumAbandoned + 8;
+constexpr std::chrono::milliseconds shutdownPatience = std::chrono::seconds(2);
+
+std::chrono::sys_seconds wallClockSeconds() {
+    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+}
+
+} // namespace
+
+MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
+    : pool_(workThreads), resolverPool_(resolverThreads), checkExecutor_(pool_), clientExecutor_(pool_),
+      writer_(stateRoot) {
+    const BackgroundResolver resolver(
+        resolverPool_, std::make_shared<SystemNameResolver>(), clock, shutdown_.get_token());
+    transport_.emplace();
+    const FreshHTTPClient client(FreshHTTPServices{clientExecutor_, clock, pool_, *transport_, resolver});
+    checker_.emplace(client, resolver, clock, wallClockSeconds);
+
+    SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
+        return checker_->checkWebsite(std::move(site), timeout);
+    };
+    model_ = std::make_unique<AppModel>(AppModel::Collaborators{
+        .reader = StateReader(stateRoot),
+        .writer = writer_,
+        .customProviderStore = std::make_shared<CustomProviderFile>(stateRoot),
+        .services = std::make_shared<KnownServices>(),
+        .checkRunner = liveCheckRunner(checkExecutor_, std::move(checkSite), nullptr),
+        .notificationCoordinator = notifications_,
+        .mainExecutor = mainExecutor,
+        .clock = clock,
+        .loadPool = pool_,
+        .wallClock = [] { return std::chrono::system_clock::now(); },
+    });
+}
+
+bool MonitoringGraph::shutDown(const std::function<void()>& drain) {
+    model_->shutdown();
+    shutdown_.request_stop();
+    // What was cancelled ends in a few steps between the main thread and the pool's.
+    const auto deadline = std::chrono::steady_clock::now() + shutdownPatience;
+    bool workEnded = false;
+    do {
+        drain();
+        workEnded = pool_.waitUntilIdle(shutdownPatience);
+        drain();
+    } while (!(workEnded && pool_.waitUntilIdle(std::chrono::milliseconds(0))) &&
+             std::chrono::steady_clock::now() < deadline);
+    const bool lookupsEnded = resolverPool_.waitUntilIdle(std::chrono::milliseconds(0));
+    return pool_.shutDown(shutdownPatience) && workEnded && lookupsEnded;
+}
+
+} // namespace kestrin

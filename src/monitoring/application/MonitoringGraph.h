@@ -1,0 +1,46 @@
+#pragma once
+
+#include "http/CurlTransport.h"
+#include "http/NameResolver.h"
+#include "monitoring/AppModel.h"
+#include "notifications/InertNotifications.h"
+#include "probing/WebsiteChecker.h"
+#include "services/ServiceDirectory.h"
+#include "state/StateWriter.h"
+#include "tasks/SerialExecutor.h"
+#include "tasks/ThreadPool.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+namespace kestrin {
+
+/// Everything behind the model, built at launch in the order in which the pieces need each other and taken down in
+/// a set order: cancel, drain, then the pools. Main thread.
+class MonitoringGraph {
+public:
+    /// `mainExecutor` and `clock` outlive the graph.
+    MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock);
+
+    [[nodiscard]] AppModel& model() { return *model_; }
+
+    /// Stops the model and waits for its tasks, draining the main executor by `drain`. False when a name resolution
+    /// is stuck: its thread still runs, and the process must then end without running destructors.
+    [[nodiscard]] bool shutDown(const std::function<void()>& drain);
+
+private:
+    ThreadPool pool_;
+    ThreadPool resolverPool_;
+    SerialExecutor checkExecutor_;
+    SerialExecutor clientExecutor_;
+    std::stop_source shutdown_;
+    std::optional<CurlTransport> transport_;
+    std::optional<WebsiteChecker> checker_;
+    StateWriter writer_;
+    InertNotifications notifications_;
+    std::unique_ptr<AppModel> model_;
+};
+
+} // namespace kestrin

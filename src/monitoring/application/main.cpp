@@ -1,0 +1,81 @@
+#include "http/ProcessEnvironment.h"
+#include "monitoring/application/AppDelegate.h"
+#include "platform/SessionBus.h"
+#include "platform/SingleInstance.h"
+#include "platform/StateLocations.h"
+#include "platform/StatusNotifierItem.h"
+#include "platform/TerminationSignals.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QSessionManager>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace kestrin;
+
+/// The launch cannot go on: says why, in a window that can be seen, and ends.
+int refuseToStart(const std::string& description) {
+    QMessageBox alert(QMessageBox::Critical, "Kestrin", "Kestrin couldn’t prepare its local data");
+    alert.setTextFormat(Qt::PlainText);
+    alert.setInformativeText(
+        "Your existing data was not removed or changed. " + QString::fromStdString(description));
+    alert.addButton("Quit", QMessageBox::AcceptRole);
+    alert.exec();
+    return EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    dropTLSVariables();
+    const std::expected<void, std::string> busAnswers = prepareSessionBus();
+    const LaunchTokens tokens = LaunchTokens::takeFromEnvironment();
+    const Launch launch = takeLaunchFromEnvironment();
+    TerminationSignals::block();
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Kestrin");
+    QApplication::setApplicationVersion(KESTRIN_VERSION);
+    QGuiApplication::setDesktopFileName("app.kestrin.Kestrin");
+    QApplication::setQuitOnLastWindowClosed(false);
+    // The desktop must not bring the program back at the next login by itself: that is the user's choice to make.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &application,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
+    const TerminationSignals termination([] { QApplication::quit(); });
+
+    std::vector<std::string> notices;
+    std::optional<QDBusConnection> bus;
+    if (busAnswers) {
+        std::expected<QDBusConnection, std::string> opened = openSessionBus();
+        if (opened)
+            bus.emplace(std::move(*opened));
+        else
+            notices.push_back(opened.error());
+    } else {
+        notices.push_back(busAnswers.error());
+    }
+
+    SingleInstance instance(bus);
+    if (instance.acquire(tokens, launch) == SingleInstance::Result::Secondary) return EXIT_SUCCESS;
+
+    const std::expected<StateLocations, std::string> locations = StateLocations::find();
+    if (!locations) return refuseToStart(locations.error());
+
+    auto delegate = std::make_unique<AppDelegate>(
+        locations->stateRoot, bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
+    instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
+    const int status = QApplication::exec();
+    instance.onActivate = nullptr;
+    if (!delegate->shutDown()) {
+        // A name resolution cannot be stopped, and its thread must not meet destroyed objects.
+        ::_exit(status);
+    }
+    return status;
+}
