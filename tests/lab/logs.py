@@ -1,0 +1,30 @@
+"""Reads what the servers of the private internet wrote down. Paths default to the lab this process runs in."""
+
+import json
+import os
+import pathlib
+
+
+def events(kind, root=None):
+    """The lines of one log: "dns", "requests", "canaries" or "nginx". A line still being written is left out."""
+    path = pathlib.Path(root or os.environ["KESTRIN_LAB"], "log", f"{kind}.jsonl")
+    complete = path.read_text(encoding="utf-8").rpartition("\n")[0]
+    return [json.loads(line) for line in complete.splitlines()]
+
+
+def canary_calls(root=None):
+    return [(event["address"], event["port"]) for event in events("canaries", root)]
+
+
+def lookups(name, root=None):
+    """How often an IPv4 address was asked for; one look-up asks once."""
+    return sum(event["name"] == name and event["kind"] == 1 for event in events("dns", root))
+
+
+def most_in_flight(root=None):
+    """The most connections that the badly behaved server held at one moment."""
+    most = present = 0
+    for event in events("requests", root):
+        present += {"open": 1, "close": -1}.get(event["event"], 0)
+        most = max(most, present)
+    return most
