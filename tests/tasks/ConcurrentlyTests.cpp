@@ -157,8 +157,8 @@ Task<int> item(Clock& clock, int number, Started& started) {
 class BoundedMap : public Concurrency {
 protected:
     TaskHandle<Numbers> map(Numbers numbers, std::size_t limit) {
-        return spawn(executor, boundedMap(std::move(numbers), limit,
-                                   [this](int number) { return item(clock, number, started); }));
+        return spawn(executor,
+            boundedMap(std::move(numbers), limit, [this](int number) { return item(clock, number, started); }));
     }
 
     Started started;
