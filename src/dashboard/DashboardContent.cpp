@@ -21,16 +21,10 @@ std::string outcomeText(const CheckRecord& record) {
     return record.error.value_or("No response");
 }
 
-std::string timeText(const std::string& timestamp, const LocaleFormats& formats) {
-    const auto when = parseTimestamp(timestamp);
-    return when ? formats.time(*when) : timestamp;
-}
-
-std::string lastResultText(const SiteSnapshot& snapshot, const LocaleFormats& formats) {
-    if (snapshot.history.recentChecks.empty()) return "No checks";
-    const CheckRecord& last = snapshot.history.recentChecks.back();
-    std::string text = outcomeText(last) + " · " + timeText(last.timestamp, formats);
-    if (last.elapsedMS) text += " · " + formats.duration(*last.elapsedMS);
+std::string momentText(const CheckRecord& record, const LocaleFormats& formats) {
+    const auto when = parseTimestamp(record.timestamp);
+    std::string text = when ? formats.time(*when) : record.timestamp;
+    if (record.elapsedMS) text += " · " + formats.duration(*record.elapsedMS);
     return text;
 }
 
@@ -52,10 +46,16 @@ bool hasSomethingToCheck(const AppModel& model) {
 
 WebsiteRow websiteRow(const SiteSnapshot& snapshot, const LocaleFormats& formats) {
     const auto [state, text] = stateOf(snapshot);
-    return {.name = snapshot.site.name,
-        .state = state,
-        .stateText = text,
-        .lastResult = lastResultText(snapshot, formats)};
+    WebsiteRow row;
+    row.name = snapshot.site.name;
+    row.state = state;
+    row.stateText = text;
+    row.lastResult = "No checks";
+    if (snapshot.history.recentChecks.empty()) return row;
+    const CheckRecord& last = snapshot.history.recentChecks.back();
+    row.lastResult = outcomeText(last);
+    row.lastChecked = momentText(last, formats);
+    return row;
 }
 
 DashboardContent dashboardContent(const AppModel& model, const LocaleFormats& formats) {

@@ -15,8 +15,9 @@ struct WebsiteRow {
 
     std::string name;
     State state = State::NoData;
-    std::string stateText;  ///< the state in words
-    std::string lastResult; ///< what the last check saw and when; "No checks" when there was none
+    std::string stateText;   ///< the state in words
+    std::string lastResult;  ///< what the last check saw; "No checks" when there was none
+    std::string lastChecked; ///< when that was and how long it took; empty without a check
     bool operator==(const WebsiteRow&) const = default;
 };
 

@@ -2,12 +2,12 @@
 
 #include "dashboard/view/WebsiteRowWidget.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLayoutItem>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -16,8 +16,9 @@ namespace kestrin {
 
 namespace {
 
-constexpr int widthInEm = 24;
-constexpr int heightInEm = 30;
+constexpr int widthInEm = 26;
+constexpr int leastHeightInEm = 14;
+constexpr int mostHeightInEm = 34;
 
 QLabel* wrappedLabel(QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -83,9 +84,17 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
         connect(button, &QPushButton::clicked, this, [run = action] { run(); });
 }
 
+// As high as the list is long, between two bounds; beyond them the list scrolls.
 QSize PopoverView::sizeHint() const {
     const int em = fontMetrics().height();
-    return {std::max(widthInEm * em, minimumSizeHint().width()), heightInEm * em};
+    const int width = std::max(widthInEm * em, minimumSizeHint().width());
+    int height = layout()->totalHeightForWidth(width);
+    if (!list_->isHidden()) {
+        const QMargins around = layout()->contentsMargins();
+        const int margins = around.left() + around.right() + list_->verticalScrollBar()->sizeHint().width();
+        height += rowLayout_->totalHeightForWidth(width - margins) - list_->sizeHint().height();
+    }
+    return {width, std::clamp(height, leastHeightInEm * em, mostHeightInEm * em)};
 }
 
 void PopoverView::show(const DashboardContent& content) {

@@ -47,10 +47,10 @@ void PopoverWindow::toggle(std::optional<QPoint> click, const std::string& activ
 void PopoverWindow::open(std::optional<QPoint> click, const std::string& activationToken) {
     if (!activationToken.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
     if (!isVisible()) {
+        if (onOpen) onOpen();
         applyStyle();
         adjustSize();
         if (style_ == Style::Popover) moveBeside(click);
-        if (onOpen) onOpen();
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
@@ -63,6 +63,7 @@ void PopoverWindow::applyStyle() {
     const Qt::WindowFlags flags =
         style_ == Style::Popover ? Qt::Tool | Qt::FramelessWindowHint : Qt::WindowFlags(Qt::Window);
     if (windowFlags() != flags) setWindowFlags(flags);
+    setFrameStyle(style_ == Style::Popover ? QFrame::StyledPanel | QFrame::Plain : QFrame::NoFrame);
 }
 
 void PopoverWindow::moveBeside(std::optional<QPoint> click) {
@@ -78,7 +79,7 @@ void PopoverWindow::moveBeside(std::optional<QPoint> click) {
 }
 
 void PopoverWindow::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
+    QFrame::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || style_ != Style::Popover) return;
     if (!isVisible() || isActiveWindow()) return;
     hide();
@@ -89,7 +90,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
         hide();
     else
-        QWidget::keyPressEvent(event);
+        QFrame::keyPressEvent(event);
 }
 
 } // namespace kestrin

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QWidget>
+#include <QFrame>
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,7 +10,7 @@ namespace kestrin {
 
 /// The window around the dashboard. Beside a tray icon it is a popover: placed at the click, gone when another
 /// window becomes active. Without one it is an ordinary window that stays; closing hides it. Main thread only.
-class PopoverWindow : public QWidget {
+class PopoverWindow : public QFrame {
 public:
     enum class Style { Popover, OrdinaryWindow };
 

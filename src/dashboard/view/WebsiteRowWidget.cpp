@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QStringList>
 
 namespace kestrin {
 
@@ -18,17 +19,21 @@ QLabel* plainLabel(QWidget* parent) {
 } // namespace
 
 WebsiteRowWidget::WebsiteRowWidget(QWidget* parent)
-    : QFrame(parent), name_(plainLabel(this)), state_(new QLabel(this)), lastResult_(plainLabel(this)) {
+    : QFrame(parent), name_(plainLabel(this)), state_(new QLabel(this)), lastResult_(plainLabel(this)),
+      lastChecked_(new QLabel(this)) {
     QFont bold = font();
     bold.setBold(true);
     name_->setFont(bold);
     state_->setFont(bold);
+    state_->setTextFormat(Qt::PlainText);
+    lastChecked_->setTextFormat(Qt::PlainText);
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(0, 4, 0, 4);
     layout->setVerticalSpacing(1);
     layout->addWidget(name_, 0, 0);
     layout->addWidget(state_, 0, 1, Qt::AlignRight | Qt::AlignTop);
-    layout->addWidget(lastResult_, 1, 0, 1, 2);
+    layout->addWidget(lastResult_, 1, 0, Qt::AlignTop);
+    layout->addWidget(lastChecked_, 1, 1, Qt::AlignRight | Qt::AlignTop);
     layout->setColumnStretch(0, 1);
     setFocusPolicy(Qt::StrongFocus);
 }
@@ -37,11 +42,13 @@ void WebsiteRowWidget::show(const WebsiteRow& row) {
     const QString name = QString::fromStdString(row.name);
     const QString state = QString::fromStdString(row.stateText);
     const QString lastResult = QString::fromStdString(row.lastResult);
+    const QString lastChecked = QString::fromStdString(row.lastChecked);
     name_->setText(name);
     state_->setText(state);
     lastResult_->setText(lastResult);
+    lastChecked_->setText(lastChecked);
     setAccessibleName(name);
-    setAccessibleDescription(state + ", " + lastResult);
+    setAccessibleDescription(QStringList{state, lastResult, lastChecked}.join(", "));
 }
 
 } // namespace kestrin

@@ -8,7 +8,7 @@ class QLabel;
 
 namespace kestrin {
 
-/// One website in the popover: its name and state, and below them what the last check saw.
+/// One website in the popover: its name and state, and below them what the last check saw and when.
 class WebsiteRowWidget : public QFrame {
 public:
     explicit WebsiteRowWidget(QWidget* parent = nullptr);
@@ -18,6 +18,7 @@ private:
     QLabel* name_;
     QLabel* state_;
     QLabel* lastResult_;
+    QLabel* lastChecked_;
 };
 
 } // namespace kestrin
