@@ -4,7 +4,11 @@
 
 #include <openssl/ssl.h>
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 
 namespace kestrin {
@@ -130,6 +134,8 @@ void CurlHop::setCallbacks() {
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_OPENSOCKETFUNCTION, &CurlHop::onOpenSocket);
     set(CURLOPT_OPENSOCKETDATA, this);
+    set(CURLOPT_CLOSESOCKETFUNCTION, &CurlHop::onCloseSocket);
+    set(CURLOPT_CLOSESOCKETDATA, this);
 }
 
 TransferFailure CurlHop::failure(CURLcode code) const {
@@ -142,6 +148,8 @@ TransferFailure CurlHop::failure(CURLcode code) const {
     curl_easy_getinfo(easy_.get(), CURLINFO_CONNECT_TIME_T, &connectTime);
     failure.connected = connectTime > 0;
     failure.statusLineRead = collector_.hasStatus();
+    failure.alerted = alerted_;
+    failure.peerStayed = peerStayed_ && !farewell_;
     return failure;
 }
 
@@ -164,10 +172,26 @@ curl_socket_t CurlHop::onOpenSocket(void* hop, curlsocktype, curl_sockaddr* addr
     return self.admitted_.openSocket(address->addr, address->addrlen, address->socktype, address->protocol);
 }
 
+int CurlHop::onCloseSocket(void* hop, curl_socket_t descriptor) noexcept {
+    char byte = 0;
+    const auto count = ::recv(descriptor, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    static_cast<CurlHop*>(hop)->peerStayed_ = count > 0 || (count < 0 && errno == EAGAIN);
+    return ::close(descriptor);
+}
+
 CURLcode CurlHop::onSecureContext(CURL*, void* context, void* hop) noexcept {
-    auto& self = *static_cast<CurlHop*>(hop);
-    SSL_CTX_set1_cert_store(static_cast<SSL_CTX*>(context), self.trusted_);
+    auto* secureContext = static_cast<SSL_CTX*>(context);
+    SSL_CTX_set1_cert_store(secureContext, static_cast<CurlHop*>(hop)->trusted_);
+    SSL_CTX_set_app_data(secureContext, hop);
+    SSL_CTX_set_info_callback(secureContext, &CurlHop::onSecurityEvent);
     return CURLE_OK;
+}
+
+void CurlHop::onSecurityEvent(const SSL* session, int where, int value) noexcept {
+    if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) return;
+    auto& self = *static_cast<CurlHop*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(session)));
+    self.alerted_ = self.alerted_ || value >> 8 == SSL3_AL_FATAL;
+    self.farewell_ = self.farewell_ || (value & 0xff) == SSL_AD_CLOSE_NOTIFY;
 }
 
 } // namespace kestrin

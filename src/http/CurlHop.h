@@ -66,13 +66,18 @@ private:
     static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* hop) noexcept;
     static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* hop) noexcept;
     static curl_socket_t onOpenSocket(void* hop, curlsocktype purpose, curl_sockaddr* address) noexcept;
+    static int onCloseSocket(void* hop, curl_socket_t descriptor) noexcept;
     static CURLcode onSecureContext(CURL* handle, void* context, void* hop) noexcept;
+    static void onSecurityEvent(const SSL* session, int where, int value) noexcept;
 
     AdmittedAddresses admitted_;
     ResponseCollector collector_;
     TransferLoop loop_;
     X509_STORE* trusted_;
     bool ready_ = true;
+    bool alerted_ = false;
+    bool farewell_ = false;
+    bool peerStayed_ = false;
     std::unique_ptr<CURLU, URLDeleter> url_;
     List headers_;
     List pins_;

@@ -6,6 +6,8 @@
 
 #include <curl/curl.h>
 
+#include <chrono>
+#include <optional>
 #include <utility>
 
 namespace kestrin {
@@ -52,17 +54,21 @@ CurlTransport::CurlTransport(std::vector<std::filesystem::path> trustBundles, Pr
 
 std::expected<HTTPHopResponse, HTTPHopError> CurlTransport::perform(
     const HTTPHopRequest& request, std::stop_token stop) {
+    if (stop.stop_requested()) return std::unexpected(HTTPHopError{Kind::Cancelled, {}});
+    const auto begin = std::chrono::steady_clock::now();
     const auto proxy = proxySettings_.proxyFor(request.host);
     if (!proxy) return transportError(sentences::requestFailed);
+    HTTPHopRequest rest = request;
     std::optional<CurlHop::ProxyRoute> route;
     if (proxy->has_value()) {
         const DNSResolution resolution = SystemNameResolver().resolve((*proxy)->host);
         if (!resolution.ok) return transportError(sentences::requestFailed);
         route = CurlHop::ProxyRoute{**proxy, resolution.ips};
+        rest.totalTimeout -= std::chrono::ceil<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin);
     }
 
     const auto trusted = trustStore_.current();
-    CurlHop hop(request, route, trusted.get());
+    CurlHop hop(rest, route, trusted.get());
     if (!hop.ready()) return std::unexpected(HTTPHopError{Kind::RefusedDestination, {}});
     const TransferLoop::Result result = hop.loop().run(hop.handle(), stop);
     switch (result.end) {

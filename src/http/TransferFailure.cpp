@@ -65,8 +65,11 @@ const char* sentenceFor(const TransferFailure& failure) {
     case CURLE_SSL_CLIENTCERT:
     case CURLE_USE_SSL_FAILED:
         return sentences::notSecure;
-    case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+        if (failure.alerted) return sentences::notSecure;
+        // Nothing was wrong with the connection, so something was with what came over it.
+        return failure.peerStayed ? sentences::invalidResponse : sentences::connectionLost;
     case CURLE_SEND_ERROR:
     case CURLE_PARTIAL_FILE:
     case CURLE_HTTP2_STREAM:

@@ -14,6 +14,8 @@ struct TransferFailure {
     long proxyStatus = 0;        ///< the proxy's answer to CONNECT, 0 without one
     bool connected = false;      ///< a TCP connection stood
     bool statusLineRead = false; ///< the server has spoken HTTP
+    bool alerted = false;        ///< the server ended TLS with a fatal alert
+    bool peerStayed = false;     ///< the server had not ended it when the connection was given up
 };
 
 /// The failure as callers hear of it: no HTTP, or one of a short list of sentences.

@@ -116,6 +116,12 @@ TEST(FailingToConnect, saysSoToOldVersionsOfTLS) {
         "A secure connection could not be made.");
 }
 
+TEST(FailingToConnect, saysSoWhenTheServerWantsACertificateOfTheClient) {
+    TrustedSite site;
+    const TLSServer server(site.authority.issue(), answering(""), {.wantsClientCertificate = true});
+    EXPECT_EQ(sentenceOf(site.perform(site.request(server.port()))), "A secure connection could not be made.");
+}
+
 TEST(LosingAConnection, isToldWhenItEndsBeforeTheResponse) {
     TrustedSite site;
     EXPECT_EQ(
@@ -170,6 +176,7 @@ TEST(ReadingABadResponse, saysThatItIsInvalid) {
              "HTTP/1.1 200 OK\r\nContent-Length: -5\r\n\r\n",
              "HTTP/1.1 200 OK\r\nContent-Length: five\r\n\r\n",
              "HTTP/1.1 200 OK\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\nab",
+             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nno length\r\n",
              "HTTP/1.1 101 Switching Protocols\r\nUpgrade: x\r\nConnection: Upgrade\r\n\r\n",
          }) {
         EXPECT_EQ(sentenceOf(site.exchange(answering(response))), "The server sent an invalid response.")

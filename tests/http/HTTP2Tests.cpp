@@ -57,7 +57,7 @@ TLSServer::Script answeringFrames(std::string frames) {
     };
 }
 
-std::expected<HTTPHopResponse, HTTPHopError> exchange(const std::string& frames, bool headersOnly) {
+std::expected<HTTPHopResponse, HTTPHopError> exchangeFrames(const std::string& frames, bool headersOnly) {
     TrustedSite site;
     const TLSServer server(site.authority.issue(), answeringFrames(frames), {.protocol = "h2"});
     auto request = site.request(server.port());
@@ -69,21 +69,22 @@ const std::string ok("\x88");
 const std::string earlyHints = literal(":status", "103");
 
 TEST(SpeakingHTTP2, reportsStatusTypeAndBody) {
-    const auto response = exchange(frame(headersType, endHeaders, 1, ok + literal("content-type", "text/plain")) +
-                                       frame(dataType, 0, 1, "hel") + frame(dataType, endStream, 1, "lo"),
-        false);
+    const auto response =
+        exchangeFrames(frame(headersType, endHeaders, 1, ok + literal("content-type", "text/plain")) +
+                           frame(dataType, 0, 1, "hel") + frame(dataType, endStream, 1, "lo"),
+            false);
     ASSERT_TRUE(response) << sentenceOf(response);
     EXPECT_EQ(*response, (HTTPHopResponse{200, "text/plain", {}, "hello"}));
 }
 
 TEST(SpeakingHTTP2, passesOverInterimResponsesAndStopsAtTheHead) {
     const auto response =
-        exchange(frame(headersType, endHeaders, 1, earlyHints) + frame(headersType, endHeaders, 1, ok), true);
+        exchangeFrames(frame(headersType, endHeaders, 1, earlyHints) + frame(headersType, endHeaders, 1, ok), true);
     EXPECT_EQ(sentenceOf(response), "response with status 200");
 }
 
 TEST(SpeakingHTTP2, endsAtARedirectsHead) {
-    const auto response = exchange(
+    const auto response = exchangeFrames(
         frame(headersType, endHeaders, 1, literal(":status", "302") + literal("location", "https://a.test/")),
         false);
     ASSERT_TRUE(response) << sentenceOf(response);
@@ -91,22 +92,35 @@ TEST(SpeakingHTTP2, endsAtARedirectsHead) {
 }
 
 TEST(SpeakingHTTP2, boundsTheBody) {
-    EXPECT_EQ(sentenceOf(exchange(
+    EXPECT_EQ(sentenceOf(exchangeFrames(
                   frame(headersType, endHeaders, 1, ok) + frame(dataType, 0, 1, std::string(1001, 'x')), false)),
         "too large");
-    EXPECT_EQ(
-        sentenceOf(exchange(frame(headersType, endHeaders, 1, ok + literal("content-length", "1001")), false)),
+    EXPECT_EQ(sentenceOf(
+                  exchangeFrames(frame(headersType, endHeaders, 1, ok + literal("content-length", "1001")), false)),
         "too large");
 }
 
 TEST(SpeakingHTTP2, tellsAStreamThatTheServerGaveUp) {
     const std::string reset = frame(3, 0, 1, std::string("\0\0\0\2", 4));
-    EXPECT_EQ(sentenceOf(exchange(reset, false)), "The connection was lost.");
+    EXPECT_EQ(sentenceOf(exchangeFrames(reset, false)), "The connection was lost.");
 }
 
-TEST(SpeakingHTTP2, givesAConnectionUpThatBreaksTheRules) {
+TEST(SpeakingHTTP2, boundsTheHead) {
+    // One field of 150 KB, its length written as HPACK's prefix integer: 127 and 153473 more.
+    constexpr char continuationType = 9;
+    const std::string field = std::string("\0\1x\x7f", 4) + "\x81\xaf\x09" + std::string(153600, 'y');
+    std::string frames = frame(headersType, 0, 1, ok);
+    for (std::size_t start = 0; start < field.size(); start += 16000) {
+        const char flags = start + 16000 >= field.size() ? endHeaders : 0;
+        frames += frame(continuationType, flags, 1, field.substr(start, 16000));
+    }
+    EXPECT_EQ(sentenceOf(exchangeFrames(frames, true)), "The server sent an invalid response.");
+}
+
+TEST(SpeakingHTTP2, callsABreachOfItsRulesAnInvalidResponse) {
     // Data belongs to a stream, and stream 0 is none.
-    EXPECT_EQ(sentenceOf(exchange(frame(dataType, 0, 0, "x"), false)), "The connection was lost.");
+    EXPECT_EQ(
+        sentenceOf(exchangeFrames(frame(dataType, 0, 0, "x"), false)), "The server sent an invalid response.");
 }
 
 } // namespace

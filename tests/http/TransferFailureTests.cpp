@@ -50,6 +50,13 @@ TEST(TellingAFailure, hasASentenceForEveryCode) {
     }
 }
 
+TEST(TellingAFailure, tellsALostConnectionFromABadResponseByWhoEndedIt) {
+    EXPECT_EQ(sentenceFor({.code = CURLE_RECV_ERROR, .peerStayed = false}), "The connection was lost.");
+    EXPECT_EQ(sentenceFor({.code = CURLE_RECV_ERROR, .peerStayed = true}), "The server sent an invalid response.");
+    EXPECT_EQ(sentenceFor({.code = CURLE_RECV_ERROR, .alerted = true, .peerStayed = true}),
+        "A secure connection could not be made.");
+}
+
 TEST(TellingAFailure, takesALackOfMemoryForABadResponseOnlyOnceConnected) {
     EXPECT_EQ(
         sentenceFor({.code = CURLE_OUT_OF_MEMORY, .connected = true}), "The server sent an invalid response.");

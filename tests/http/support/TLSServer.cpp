@@ -53,10 +53,14 @@ void TLSConnection::reset() {
 namespace {
 
 /// `protocols` is the one answer to give, in the wire's form; it must outlive the context.
-std::shared_ptr<SSL_CTX> contextFor(const Identity& identity, std::string& protocols) {
+std::shared_ptr<SSL_CTX> contextFor(
+    const Identity& identity, const TLSServerOptions& options, std::string& protocols) {
     std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     SSL_CTX_use_certificate(context.get(), identity.certificate.get());
     SSL_CTX_use_PrivateKey(context.get(), identity.key.get());
+    if (options.wantsClientCertificate) {
+        SSL_CTX_set_verify(context.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
+    }
     SSL_CTX_set_alpn_select_cb(
         context.get(),
         [](SSL*, const unsigned char** out, unsigned char* outSize, const unsigned char* in, unsigned int inSize,
@@ -77,7 +81,7 @@ std::shared_ptr<SSL_CTX> contextFor(const Identity& identity, std::string& proto
 
 TLSServer::TLSServer(const Identity& identity, Script script, const TLSServerOptions& options)
     : protocols_(static_cast<char>(options.protocol.size()) + options.protocol),
-      context_(contextFor(identity, protocols_)), script_(std::move(script)),
+      context_(contextFor(identity, options, protocols_)), script_(std::move(script)),
       server_([this](int descriptor) { serve(descriptor); }, options.address, options.port) {}
 
 void TLSServer::serve(int descriptor) {
@@ -87,6 +91,9 @@ void TLSServer::serve(int descriptor) {
         TLSConnection connection(session.get(), descriptor);
         script_(connection);
         if (!connection.isReset()) SSL_shutdown(session.get());
+    } else {
+        // Closing on bytes that nobody read would reset the connection and could overtake the alert.
+        kestrin::test::waitForEnd(descriptor);
     }
     ERR_clear_error();
 }

@@ -40,6 +40,7 @@ struct TLSServerOptions {
     std::string protocol = "http/1.1"; ///< the one ALPN answer given
     std::string address = "127.0.0.1";
     std::uint16_t port = 0;
+    bool wantsClientCertificate = false;
 };
 
 /// A loopback server that speaks TLS before its script begins. A failed handshake runs no script.
