@@ -25,7 +25,7 @@ async def serve_talks(hosts, certificate, log):
             head = (await reader.readuntil(b"\r\n\r\n")).decode("latin-1").split("\r\n")
             host, target, steps = _chosen(hosts, head)
             log("request", server="rude", host=host, target=target, head=[line for line in head if line])
-            await _act(steps, writer)
+            await _act_while_heard(steps, reader, writer)
 
     return [await asyncio.start_server(connected, address, HTTPS, ssl=context, limit=1 << 20)
             for address in (RUDE4, RUDE6)]
@@ -35,7 +35,7 @@ async def serve_raw(by_address, log):
     def listener(steps):
         async def connected(reader, writer):
             with _logged(log, "raw", writer):
-                await _act(steps, writer)
+                await _act_while_heard(steps, reader, writer)
         return connected
 
     return [await asyncio.start_server(listener(steps), address, HTTPS) for address, steps in by_address.items()]
@@ -80,6 +80,17 @@ def _chosen(hosts, head):
                 return host, target, talk.steps
             return host, target, (Send(b"HTTP/1.1 418 Headers not as expected\r\nContent-Length: 0\r\n\r\n"),)
     return host, target, (Send(b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n"),)
+
+
+async def _act_while_heard(steps, reader, writer):
+    """The steps, until they are done or the visitor has gone: the log shall say who is there."""
+    acting, gone = asyncio.ensure_future(_act(steps, writer)), asyncio.ensure_future(reader.read())
+    try:
+        await asyncio.wait({acting, gone}, return_when=asyncio.FIRST_COMPLETED)
+    finally:
+        acting.cancel()
+        gone.cancel()
+        await asyncio.gather(acting, gone, return_exceptions=True)
 
 
 async def _act(steps, writer):

@@ -13,6 +13,7 @@ TIMED_OUT = "The request timed out."
 LOST = "The connection was lost."
 INVALID = "The server sent an invalid response."
 INSECURE = "A secure connection could not be made."
+NO_HTTP = "Non-HTTP response"
 MISSING = "Redirect blocked: missing destination URL"
 TRY_AGAIN = "DNS: Temporary failure in name resolution"
 
@@ -38,9 +39,9 @@ def addressing():
     def one(id, *rest, **more):
         return site("addressing", id, *rest, **more)
 
-    yield one("http-site", unresolved("Website URLs must use HTTPS.", at_most_ms=500), plain(),
+    yield one("http-site", refused_url("Website URLs must use HTTPS."), plain(),
               url=f"http://{host_of('http-site')}/")
-    yield one("http-private", unresolved("Website URLs must use HTTPS.", at_most_ms=500), url="http://10.0.0.1/")
+    yield one("http-private", refused_url("Website URLs must use HTTPS."), url="http://10.0.0.1/")
     yield one("capitals", up(), plain(), url=f"HTTPS://{host_of('capitals').upper()}/")
     yield one("final-dot", up(), plain(), url=f"https://{host_of('final-dot')}./")
     yield one("own-port", up(), plain(port=OTHER_HTTPS), url=f"https://{host_of('own-port')}:{OTHER_HTTPS}/")
@@ -61,7 +62,7 @@ def privacy():
         return site("privacy", id, *rest, **more)
 
     def refused(id, url, error=PRIVATE_URL):
-        return one(id, unresolved(error, at_most_ms=500), url=url)
+        return one(id, refused_url(error), url=url)
 
     for number, address in enumerate((*PRIVATE, *LOOPBACK, "0.0.0.0", "::ffff:10.0.0.1")):
         url = f"https://[{address}]/" if ":" in address else f"https://{address}/"
@@ -158,7 +159,7 @@ def redirects():
     yield one("empty-location", up(302), rude(Send(FOUND + b"Location: \r\n\r\n")))
     yield one("same-location-twice", up(), Host(Name((RUDE4,)), (
         Talk((Send(FOUND + b"Location: /landed\r\nLocation: /landed\r\n\r\n"),)), Talk((Send(OK),), "/landed"))))
-    yield one("two-locations", down((MISSING, INVALID)), Host(Name((RUDE4,)), (
+    yield one("two-locations", down(MISSING), Host(Name((RUDE4,)), (
         Talk((Send(FOUND + b"Location: /landed\r\nLocation: /other\r\n\r\n"),)),
         Talk((Send(OK),), "/landed"), Talk((Send(OK),), "/other"))))
     yield one("location-is-no-url", down(MISSING), rude(Send(FOUND + b"Location: https://[nonsense/\r\n\r\n")))
@@ -209,11 +210,13 @@ def transport():
     yield one("handshake-reset", down((LOST, INSECURE)), only_named(RESETTING4))
     yield one("request-reset", down(LOST), rude(Reset()))
     yield one("no-answer", down(LOST), rude())
-    yield one("head-cut", down((LOST, INVALID)), rude(Send(head + b"Server: lab\r\nX-Cut")))
+    yield one("head-cut", down((LOST, INVALID, NO_HTTP)), rude(Send(head + b"Server: lab\r\nX-Cut")))
     yield one("silent", down(TIMED_OUT, **inactive), rude(SILENCE))
     yield one("head-stalls", down(TIMED_OUT, **inactive), rude(Send(head), SILENCE))
     yield one("head-drips", down(TIMED_OUT, at_least_ms=16500, at_most_ms=19500),
               rude(Send(head + b"X-Drip: "), Drip(b"a", 1.0, forever=True)))
+    yield one("lines-drip", down(TIMED_OUT, at_least_ms=16500, at_most_ms=19500),
+              rude(Send(head), *(Send(b"X-Drip: a\r\n"), Wait(1.0)) * 60))
     yield one("drips-in-time", up(at_least_ms=3000), rude(Drip(OK, 0.1)))
     yield one("endless-line", down(INVALID, at_most_ms=14000), rude(Send(head + b"X-Long: "), Flood(b"a" * 4096)))
     yield one("endless-head", down(INVALID, at_most_ms=14000), rude(Send(head), Flood(b"X-Line: abcdefgh\r\n" * 256)))
@@ -221,8 +224,9 @@ def transport():
         Send(b"HTTP/1.1 103 Early Hints\r\nLink: </style.css>; rel=preload\r\n\r\n"), Wait(0.2), Send(OK)))
     yield one("endless-body", up(at_most_ms=8000), rude(
         Send(head + b"Transfer-Encoding: chunked\r\n\r\n"), Flood(b"1000\r\n" + b"a" * 4096 + b"\r\n")))
-    yield one("body-never-comes", up(at_most_ms=8000), rude(Send(head + b"Content-Length: 9000000000\r\n\r\n"), SILENCE))
-    yield one("http-0-9", down("Non-HTTP response"), rude(Send(b"<html>The page itself, without any head</html>\n")))
+    yield one("body-never-comes", up(at_most_ms=8000), rude(
+        Send(head + b"Content-Length: 9000000000\r\n\r\n"), SILENCE))
+    yield one("http-0-9", down(NO_HTTP), rude(Send(b"<html>The page itself, without any head</html>\n")))
 
 
 def crowd():

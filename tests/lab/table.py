@@ -88,6 +88,7 @@ class Expected:
     ips: str | tuple = RESOLVED
     at_least_ms: int = 0
     at_most_ms: int = 60000
+    in_history: bool = True  # a URL that is refused by its text is not checked in a cycle, only when it is tried out
 
 
 @dataclass(frozen=True)
@@ -128,6 +129,10 @@ def status_down(status):
 
 def down(error, **more):
     return Expected(False, None, error, **more)
+
+
+def refused_url(error):
+    return Expected(False, None, error, dns_ok=False, ips=(), at_most_ms=500, in_history=False)
 
 
 def unresolved(error, **more):
