@@ -182,6 +182,21 @@ TEST(APool, letsGoOfWhatAPieceHeldWhenThePieceHasEnded) {
     EXPECT_TRUE(pool.shutDown(generous));
 }
 
+TEST(APool, isIdleOnlyWhenNothingRunsAndNothingWaits) {
+    ThreadPool pool(1);
+    EXPECT_TRUE(pool.waitUntilIdle(noPatience));
+    Stuck stuck;
+    Events ended;
+    pool.run(stuck.work());
+    pool.run([&ended] { ended.happen(); });
+    EXPECT_TRUE(stuck.entered->waitFor(1));
+    EXPECT_FALSE(pool.waitUntilIdle(noPatience));
+    stuck.release.set_value();
+    EXPECT_TRUE(pool.waitUntilIdle(generous));
+    EXPECT_EQ(ended.count(), 1);
+    EXPECT_EQ(pool.busyThreads(), 0u);
+}
+
 TEST(AShutDownPool, dropsWorkUnrun) {
     ThreadPool pool(2);
     EXPECT_TRUE(pool.shutDown(noPatience));
