@@ -57,7 +57,6 @@ function(kestrin_room_tests name)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE kestrin_options GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
   target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_compile_options(${target} PRIVATE -Wno-sign-conversion -Wno-conversion -Wno-shadow)
   kestrin_use_rooms(${target} ${ARG_DEPENDS})
   gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
     PROPERTIES TIMEOUT 120 LABELS unit)

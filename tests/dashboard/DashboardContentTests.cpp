@@ -1,0 +1,168 @@
+#include "dashboard/DashboardContent.h"
+
+#include "monitoring/MonitorHarness.h"
+
+namespace kestrin {
+namespace {
+
+struct DashboardContentTest : MonitorTest {
+    const LocaleFormats formats{"de_DE", "en_US", "UTC"};
+
+    [[nodiscard]] DashboardContent content() const { return dashboardContent(*model, formats); }
+
+    static SiteSnapshot snapshotWith(std::vector<CheckRecord> checks) {
+        SiteSnapshot snapshot;
+        snapshot.site = siteNamed("site-1");
+        for (const CheckRecord& check : checks)
+            snapshot.history.append(check);
+        return snapshot;
+    }
+
+    static CheckRecord checkAt(const std::string& timestamp) {
+        CheckRecord record;
+        record.timestamp = timestamp;
+        record.siteID = "site-1";
+        return record;
+    }
+};
+
+TEST_F(DashboardContentTest, theVeryFirstLoadSaysThatItLoads) {
+    create();
+    ASSERT_TRUE(content().panel);
+    EXPECT_EQ(content().panel->title, "Loading monitor history…");
+    EXPECT_FALSE(content().startStop.enabled);
+}
+
+TEST_F(DashboardContentTest, aFirstRunAsksForTheFirstWebsite) {
+    load();
+    ASSERT_TRUE(content().panel);
+    EXPECT_EQ(content().panel->title, "Add your first website");
+    EXPECT_EQ(content().subtitle, "Monitoring paused");
+    EXPECT_FALSE(content().startStop.enabled);
+    EXPECT_FALSE(content().checkNow.enabled);
+    EXPECT_TRUE(content().quit.enabled);
+}
+
+TEST_F(DashboardContentTest, aFailedLoadShowsItsMessageInPlaceOfTheList) {
+    writeSitesText("[]");
+    load();
+    ASSERT_TRUE(content().panel);
+    EXPECT_EQ(content().panel->title, "Couldn’t Read Monitor Data");
+    EXPECT_EQ(content().panel->description, *model->loadError());
+    EXPECT_TRUE(content().websites.empty());
+}
+
+TEST_F(DashboardContentTest, aReloadLeavesTheContentUp) {
+    load(configurationOf({"site-1"}));
+    const DashboardContent before = content();
+    model->reload();
+    ASSERT_TRUE(model->isLoading());
+    EXPECT_EQ(content(), before);
+}
+
+TEST_F(DashboardContentTest, theButtonsFollowTheMonitor) {
+    load(configurationOf({"site-1"}));
+    EXPECT_EQ(content().startStop, (DashboardButton{"Start", true}));
+    EXPECT_EQ(content().checkNow, (DashboardButton{"Check now", true}));
+
+    model->startMonitoring();
+    settle();
+    EXPECT_EQ(content().subtitle, "Monitoring active");
+    EXPECT_EQ(content().startStop, (DashboardButton{"Stop", true}));
+    EXPECT_EQ(content().checkNow, (DashboardButton{"Checking", false}));
+
+    answerChecks();
+    EXPECT_EQ(content().checkNow, (DashboardButton{"Check now", true}));
+    model->stopMonitoring();
+    EXPECT_EQ(content().startStop, (DashboardButton{"Start", true}));
+}
+
+TEST_F(DashboardContentTest, stopStaysPossibleWhenNothingIsLeftToCheck) {
+    load(configurationOf({"site-1"}));
+    model->startMonitoring();
+    settle();
+    answerChecks();
+    writeSites(configurationOf({}));
+    model->reload();
+    settle();
+    EXPECT_EQ(content().startStop, (DashboardButton{"Stop", true}));
+    EXPECT_FALSE(content().checkNow.enabled);
+}
+
+TEST_F(DashboardContentTest, websitesStandInConfigurationOrder) {
+    load(configurationOf({"site-2", "site-1"}));
+    ASSERT_EQ(content().websites.size(), 2u);
+    EXPECT_EQ(content().websites[0].name, siteNamed("site-2").name);
+    EXPECT_EQ(content().websites[1].name, siteNamed("site-1").name);
+}
+
+TEST_F(DashboardContentTest, anEnabledWebsiteThatMayNotBeCheckedIsNamed) {
+    SiteConfiguration configuration = configurationOf({"site-1", "site-2"});
+    configuration.sites[0].url = "http://example.com/";
+    load(configuration);
+    ASSERT_EQ(content().notices.size(), 1u);
+    EXPECT_EQ(content().notices[0], *model->configurationIssue());
+    EXPECT_TRUE(content().checkNow.enabled);
+}
+
+TEST_F(DashboardContentTest, aFailedAppendIsSaidUntilACycleWorksAgain) {
+    load(configurationOf({"site-1"}));
+    writer.failAppend(1, "No space left on device");
+    model->checkNow();
+    settle();
+    answerChecks();
+    ASSERT_EQ(content().notices.size(), 1u);
+    EXPECT_EQ(content().notices[0], *model->operationError());
+
+    model->checkNow();
+    settle();
+    answerChecks();
+    EXPECT_TRUE(content().notices.empty());
+}
+
+TEST_F(DashboardContentTest, aWebsiteWithoutChecksHasNoData) {
+    const WebsiteRow row = websiteRow(snapshotWith({}), formats);
+    EXPECT_EQ(row.stateText, "NO DATA");
+    EXPECT_EQ(row.lastResult, "No checks");
+    EXPECT_EQ(row.lastChecked, "");
+}
+
+TEST_F(DashboardContentTest, aWebsiteThatAnsweredShowsItsStatusTimeAndDuration) {
+    CheckRecord record = checkAt("2026-01-31T09:05:00Z");
+    record.up = true;
+    record.httpStatus = 204;
+    record.elapsedMS = 87;
+    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
+    EXPECT_EQ(row.state, WebsiteRow::State::Up);
+    EXPECT_EQ(row.stateText, "UP");
+    EXPECT_EQ(row.lastResult, "HTTP 204");
+    EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
+}
+
+TEST_F(DashboardContentTest, aWebsiteThatDidNotAnswerShowsWhy) {
+    CheckRecord record = checkAt("2026-01-31T09:05:00Z");
+    record.error = "The connection was refused.";
+    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
+    EXPECT_EQ(row.stateText, "DOWN");
+    EXPECT_EQ(row.lastResult, "The connection was refused.");
+    EXPECT_EQ(row.lastChecked, "09:05");
+}
+
+TEST_F(DashboardContentTest, aRecordWithNeitherStatusNorErrorHadNoResponse) {
+    EXPECT_EQ(websiteRow(snapshotWith({checkAt("2026-01-31T09:05:00Z")}), formats).lastResult, "No response");
+}
+
+TEST_F(DashboardContentTest, aTimestampThatIsNoneIsShownAsItStands) {
+    EXPECT_EQ(websiteRow(snapshotWith({checkAt("yesterday")}), formats).lastChecked, "yesterday");
+}
+
+TEST_F(DashboardContentTest, aDisabledWebsiteSaysSoBesideItsOldChecks) {
+    SiteSnapshot snapshot = snapshotWith({checkAt("2026-01-31T09:05:00Z")});
+    snapshot.site.enabled = false;
+    const WebsiteRow row = websiteRow(snapshot, formats);
+    EXPECT_EQ(row.stateText, "DISABLED");
+    EXPECT_EQ(row.lastChecked, "09:05");
+}
+
+} // namespace
+} // namespace kestrin
