@@ -2,10 +2,12 @@
 
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace kestrin {
 
@@ -22,6 +24,8 @@ struct ThreadPool::State {
     std::size_t threads = 0;
     std::size_t idle = 0;
     bool closed = false;
+    std::map<std::thread::id, std::thread> running; ///< one for each of `threads`, while the pool lives
+    std::vector<std::thread> ended;                 ///< to be joined by whoever comes by
 
     void serve() {
         std::unique_lock lock(mutex);
@@ -41,7 +45,14 @@ struct ThreadPool::State {
             lock.lock();
         }
         --threads;
+        if (auto self = running.extract(std::this_thread::get_id())) ended.push_back(std::move(self.mapped()));
         workEnded.notify_all();
+    }
+
+    /// Sees threads that are on their way out to their end, so that none runs its last lines beside the process's.
+    static void join(std::vector<std::thread> threadsToJoin) {
+        for (std::thread& thread : threadsToJoin)
+            thread.join();
     }
 };
 
@@ -53,8 +64,16 @@ ThreadPool::~ThreadPool() {
 }
 
 void ThreadPool::run(std::function<void()> work) {
-    const std::lock_guard guard(state_->mutex);
-    if (state_->closed) return;
+    std::vector<std::thread> ended;
+    {
+        const std::lock_guard guard(state_->mutex);
+        ended.swap(state_->ended);
+        if (!state_->closed) hire(std::move(work));
+    }
+    State::join(std::move(ended));
+}
+
+void ThreadPool::hire(std::function<void()> work) {
     state_->waiting.push_back(std::move(work));
     if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) {
         state_->workArrived.notify_one();
@@ -62,7 +81,9 @@ void ThreadPool::run(std::function<void()> work) {
     }
     ++state_->threads;
     try {
-        std::thread([state = state_] { state->serve(); }).detach();
+        std::thread thread([state = state_] { state->serve(); });
+        const std::thread::id id = thread.get_id();
+        state_->running.emplace(id, std::move(thread));
     } catch (const std::system_error&) {
         // No thread could be had: one that runs takes the work; with none there is nothing to wait for.
         --state_->threads;
@@ -79,9 +100,14 @@ bool ThreadPool::shutDown(std::chrono::milliseconds patience) {
     state_->closed = true;
     dropped.swap(state_->waiting);
     state_->workArrived.notify_all();
-    const bool ended = state_->workEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
+    const bool allEnded = state_->workEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
+    for (auto& [id, stuck] : state_->running)
+        stuck.detach();
+    state_->running.clear();
+    std::vector<std::thread> ended = std::exchange(state_->ended, {});
     lock.unlock();
-    return ended;
+    State::join(std::move(ended));
+    return allEnded;
 }
 
 bool ThreadPool::waitUntilIdle(std::chrono::milliseconds patience) {

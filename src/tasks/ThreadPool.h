@@ -33,6 +33,8 @@ public:
 
 private:
     struct State;
+    void hire(std::function<void()> work);
+
     std::shared_ptr<State> state_;
 };
 
