@@ -141,7 +141,7 @@ JSONValue parseJSON(std::string_view text) {
         refuse("byte " + std::to_string(nul + 1) + " is not acceptable");
     try {
         TreeBuilder builder;
-        if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) refuse(builder.problem());
+        if (!nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder)) refuse(builder.problem());
         return builder.take();
     } catch (const std::bad_alloc&) {
         refuse("it is too large for the memory");

@@ -39,6 +39,11 @@ Sequence sequenceAt(std::string_view text) {
     return {length, true};
 }
 
+/// A byte that stands for itself inside a string.
+bool isPlain(char c) {
+    return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) < 0x80 && c != '"' && c != '\\';
+}
+
 class Emitter {
 public:
     explicit Emitter(bool pretty) : pretty_(pretty) {}
@@ -118,16 +123,25 @@ private:
     void emitString(std::string_view text) {
         out_ += '"';
         while (!text.empty()) {
-            const Sequence sequence = sequenceAt(text);
-            if (!sequence.valid)
-                append(replacement);
-            else if (sequence.length == 1)
-                emitASCII(text.front());
-            else
-                append(text.substr(0, sequence.length));
-            text.remove_prefix(sequence.length);
+            const auto special = std::ranges::find_if_not(text, isPlain);
+            const auto plain = static_cast<std::size_t>(special - text.begin());
+            append(text.substr(0, plain));
+            text.remove_prefix(plain);
+            if (!text.empty()) text.remove_prefix(emitSpecial(text));
         }
         out_ += '"';
+    }
+
+    /// Writes the first letter of the text and says how many bytes it took.
+    std::size_t emitSpecial(std::string_view text) {
+        const Sequence sequence = sequenceAt(text);
+        if (!sequence.valid)
+            append(replacement);
+        else if (sequence.length == 1)
+            emitASCII(text.front());
+        else
+            append(text.substr(0, sequence.length));
+        return sequence.length;
     }
 
     void emitASCII(char c) {
@@ -149,10 +163,6 @@ private:
             return append("\\t");
         default:
             break;
-        }
-        if (static_cast<unsigned char>(c) >= 0x20) {
-            out_ += c;
-            return;
         }
         append("\\u00");
         out_ += hexadecimal[static_cast<unsigned char>(c) >> 4];

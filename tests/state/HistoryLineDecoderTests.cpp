@@ -165,10 +165,11 @@ TEST(DecodingALine, readsALineOfTheLargestSize) {
     CheckRecord large = full;
     large.error = "";
     large.error = std::string(maximumHistoryLineBytes - historyLine(large).size(), 'x');
-    ASSERT_EQ(historyLine(large).size(), maximumHistoryLineBytes);
+    const std::string line = historyLine(large);
+    ASSERT_EQ(line.size(), maximumHistoryLineBytes);
     HistoryLineDecoder decoder;
-    const CheckRecord* record = decoder.decodeCheck(Padded(historyLine(large)));
+    const CheckRecord* record = decoder.decodeCheck(Padded(line));
     ASSERT_NE(record, nullptr);
-    EXPECT_EQ(*record, large);
+    EXPECT_TRUE(*record == large); // a difference would be printed in millions of letters
     EXPECT_NE(decoder.decodeCheck(Padded(historyLine(full))), nullptr);
 }
