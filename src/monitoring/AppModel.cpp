@@ -26,6 +26,13 @@ AppModel::AppModel(Collaborators collaborators)
     reload();
 }
 
+AppModel::~AppModel() {
+    // A loop that sleeps would otherwise learn of the end only at its next wake, which may never come.
+    for (TaskHandle<>* task : {&monitoringTask_, &manualCheckTask_, &reloadTask_, &revisionRefreshTask_})
+        cancelAndForget(*task);
+    notificationPolicyLease_->invalidate();
+}
+
 void AppModel::startMonitoring() {
     if (isMonitoring_) return;
     isMonitoring_ = true;

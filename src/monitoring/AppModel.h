@@ -45,6 +45,8 @@ public:
     };
 
     explicit AppModel(Collaborators collaborators);
+    /// Cancels its tasks, which then end by themselves, and makes its lease invalid; announces nothing more.
+    ~AppModel();
     AppModel(const AppModel&) = delete;
     AppModel& operator=(const AppModel&) = delete;
 

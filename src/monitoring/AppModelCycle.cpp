@@ -46,7 +46,10 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
             observations = model->recordResults(siteChecks, serviceChecks, trigger);
         }
     }
-    if (!observations.empty()) co_await notify(self, context, ticket, std::move(observations));
+    if (!observations.empty()) {
+        Task<> notifying = notify(self, context, ticket, std::move(observations));
+        co_await std::move(notifying);
+    }
 
     if (const auto model = self.lock()) model->endCycle(ticket);
 }

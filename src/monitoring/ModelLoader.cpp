@@ -82,7 +82,7 @@ bool ModelLoader::revisionsMatch(const ExpectedStateRevisions& expected, const s
                customProviders_->revision() == expected.customProviders &&
                historiesMatch(HistoryKind::Website, expected.websites) &&
                historiesMatch(HistoryKind::Provider, expected.providers);
-    } catch (const MessageError&) {
+    } catch (const std::exception&) {
         // What cannot be looked at is not what the model knows; the reload that follows tells the user.
         return false;
     }
