@@ -184,7 +184,15 @@ CURLcode CurlHop::onSecureContext(CURL*, void* context, void* hop) noexcept {
     SSL_CTX_set1_cert_store(secureContext, static_cast<CurlHop*>(hop)->trusted_);
     SSL_CTX_set_app_data(secureContext, hop);
     SSL_CTX_set_info_callback(secureContext, &CurlHop::onSecurityEvent);
+    // libcurl tells of a header line once it is whole; a server that sends one slowly is not silent meanwhile.
+    SSL_CTX_set_msg_callback(secureContext, &CurlHop::onSecurityRecord);
+    SSL_CTX_set_msg_callback_arg(secureContext, hop);
     return CURLE_OK;
+}
+
+void CurlHop::onSecurityRecord(
+    int isSent, int, int contentType, const void*, std::size_t, SSL*, void* hop) noexcept {
+    if (!isSent && contentType == SSL3_RT_HEADER) static_cast<CurlHop*>(hop)->loop_.noteActivity();
 }
 
 void CurlHop::onSecurityEvent(const SSL* session, int where, int value) noexcept {

@@ -68,6 +68,8 @@ private:
     static curl_socket_t onOpenSocket(void* hop, curlsocktype purpose, curl_sockaddr* address) noexcept;
     static int onCloseSocket(void* hop, curl_socket_t descriptor) noexcept;
     static CURLcode onSecureContext(CURL* handle, void* context, void* hop) noexcept;
+    static void onSecurityRecord(int isSent, int version, int contentType, const void* bytes, std::size_t size,
+        SSL* session, void* hop) noexcept;
     static void onSecurityEvent(const SSL* session, int where, int value) noexcept;
 
     AdmittedAddresses admitted_;

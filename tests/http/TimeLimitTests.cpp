@@ -91,6 +91,23 @@ TEST(LimitingTime, countsInactivityFromTheLastSign) {
     EXPECT_EQ(sentenceOf(site.perform(request)), "response with status 200");
 }
 
+TEST(LimitingTime, takesEachByteOfAHeaderLineForASign) {
+    TrustedSite site;
+    const TLSServer server(site.authority.issue(), [](TLSConnection& connection) {
+        static_cast<void>(connection.readHead());
+        connection.write("HTTP/1.1 200 OK\r\nX-Slow: ");
+        for (int i = 0; i < 6 && connection.staysOpenFor(400ms); ++i) {
+            connection.write("x");
+        }
+        connection.write("\r\n\r\n");
+        connection.waitForEnd();
+    });
+    auto request = site.request(server.port());
+    request.inactivityTimeout = 2s;
+    request.headersOnly = true;
+    EXPECT_EQ(sentenceOf(site.perform(request)), "response with status 200");
+}
+
 TEST(LimitingTime, contactsNobodyWhenNothingIsLeft) {
     TrustedSite site;
     const TLSServer server(site.authority.issue(), neverAnswer);
