@@ -50,7 +50,7 @@ std::optional<std::uint64_t> lengthOf(std::string_view text) {
 
 ResponseCollector::ResponseCollector(bool headersOnly, std::int64_t maximumBodyBytes)
     : headersOnly_(headersOnly),
-      maximumBodyBytes_(static_cast<std::uint64_t>(std::max<std::int64_t>(0, maximumBodyBytes))) {}
+      body_{.limit = static_cast<std::uint64_t>(std::max<std::int64_t>(0, maximumBodyBytes)), .data = {}} {}
 
 ResponseCollector::Next ResponseCollector::stop(State state) {
     state_ = state;
@@ -122,19 +122,18 @@ ResponseCollector::Next ResponseCollector::endHead() {
     if (declaredLength_ && !chunked_ && !bodiless) {
         const auto length = lengthOf(*declaredLength_);
         if (!length || contradictoryLength_) return stop(State::Invalid);
-        if (*length > maximumBodyBytes_) return stop(State::TooLarge);
+        if (*length > body_.limit) return stop(State::TooLarge);
     }
     return Next::Continue;
 }
 
 ResponseCollector::Next ResponseCollector::takeBody(std::string_view bytes) {
     if (!headEnded_) return stop(State::Invalid);
-    if (bytes.size() > maximumBodyBytes_ - response_.body.size()) return stop(State::TooLarge);
-    response_.body += bytes;
-    return Next::Continue;
+    return body_.append(bytes) ? Next::Continue : stop(State::TooLarge);
 }
 
 HTTPHopResponse ResponseCollector::takeResponse() {
+    response_.body = std::move(body_.data);
     return std::move(response_);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "http/BoundedResponseBody.h"
 #include "http/HTTPHop.h"
 
 #include <cstdint>
@@ -44,7 +45,7 @@ private:
     Next endHead();
 
     bool headersOnly_;
-    std::uint64_t maximumBodyBytes_;
+    BoundedResponseBody body_;
     State state_ = State::Reading;
     bool statusSeen_ = false;
     bool headEnded_ = false;
