@@ -44,6 +44,12 @@ bool isPlain(char c) {
     return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) < 0x80 && c != '"' && c != '\\';
 }
 
+/// Sorts members by the bytes of their keys, equal ones as they were given.
+bool isBefore(const JSONValue::Member* left, const JSONValue::Member* right) {
+    const int order = left->first.compare(right->first);
+    return order != 0 ? order < 0 : left < right;
+}
+
 class Emitter {
 public:
     explicit Emitter(bool pretty) : pretty_(pretty) {}
@@ -69,9 +75,7 @@ private:
         members.reserve(object.size());
         for (const JSONValue::Member& member : object)
             members.push_back(&member);
-        if (pretty_)
-            std::ranges::stable_sort(
-                members, {}, [](const auto* member) -> const std::string& { return member->first; });
+        if (pretty_) std::ranges::sort(members, isBefore);
         open('{');
         for (const JSONValue::Member* member : members) {
             separate(member == members.front());
