@@ -1,0 +1,270 @@
+#include "monitoring/MonitorHarness.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace kestrin {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::seconds;
+
+class MonitoringLoop : public MonitorTest {
+protected:
+    [[nodiscard]] std::size_t cycles() const { return checks.siteCalls.size(); }
+};
+
+TEST_F(MonitoringLoop, isNotRunningAfterConstruction) {
+    load(configurationOf({"a"}));
+    advance(hours(24));
+    EXPECT_FALSE(model->isMonitoring());
+    EXPECT_EQ(cycles(), 0U);
+}
+
+TEST_F(MonitoringLoop, checksAtOnceOnStart) {
+    load(configurationOf({"a", "b"}));
+    model->startMonitoring();
+    EXPECT_TRUE(model->isMonitoring());
+    EXPECT_FALSE(model->isChecking());
+    settle();
+    ASSERT_EQ(cycles(), 1U);
+    EXPECT_EQ(idsOf(checks.siteCalls[0]->definitions), (std::vector<std::string>{"a", "b"}));
+    EXPECT_TRUE(model->isChecking());
+}
+
+TEST_F(MonitoringLoop, waitsForTheFirstLoadBeforeTheFirstCheck) {
+    writeSites(configurationOf({"a"}));
+    create();
+    model->startMonitoring();
+    main.runUntilIdle();
+    EXPECT_TRUE(model->isLoading());
+    EXPECT_EQ(cycles(), 0U);
+    settle();
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, waitsForEveryLoadThatBeganMeanwhile) {
+    writeSites(configurationOf({"a"}));
+    create();
+    model->startMonitoring();
+    main.runUntilIdle();
+    model->reload();
+    main.runUntilIdle();
+    loads.finish(0);
+    main.runUntilIdle();
+    EXPECT_EQ(cycles(), 0U);
+    settle();
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, runsOnceHoweverOftenItIsStarted) {
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    model->startMonitoring();
+    settle();
+    model->startMonitoring();
+    answerChecks();
+    EXPECT_EQ(cycles(), 1U);
+    EXPECT_EQ(clock.timerCount(), 1U);
+}
+
+TEST_F(MonitoringLoop, countsTheIntervalFromTheEndOfACycle) {
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    advance(seconds(1000));
+    EXPECT_EQ(cycles(), 1U) << "a cycle that overruns delays the next one";
+    answerChecks();
+    advance(seconds(299));
+    EXPECT_EQ(cycles(), 1U);
+    advance(seconds(1));
+    EXPECT_EQ(cycles(), 2U);
+}
+
+TEST_F(MonitoringLoop, countsTimeAsleepAndCatchesNothingUp) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    // One long step, as after machine sleep: the deadline passed long ago.
+    advance(seconds(300 * 10 + 7));
+    EXPECT_EQ(cycles(), 2U);
+    advance(seconds(299));
+    EXPECT_EQ(cycles(), 2U);
+    advance(seconds(1));
+    EXPECT_EQ(cycles(), 3U);
+}
+
+TEST_F(MonitoringLoop, usesAChangedIntervalFromTheNextSleepOn) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    SiteConfiguration shorter = configurationOf({"a"});
+    shorter.intervalSeconds = 60;
+    writeSites(shorter);
+    model->reload();
+    settle();
+    ASSERT_EQ(model->intervalSeconds(), 60);
+    advance(seconds(299));
+    EXPECT_EQ(cycles(), 1U) << "the sleep under way is not shortened";
+    advance(seconds(1));
+    EXPECT_EQ(cycles(), 2U);
+    advance(seconds(60));
+    EXPECT_EQ(cycles(), 3U);
+}
+
+TEST_F(MonitoringLoop, usesSixtySecondsForAnIntervalOfLess) {
+    answerChecksAtOnce();
+    SiteConfiguration hasty = configurationOf({"a"});
+    hasty.intervalSeconds = 30;
+    load(hasty);
+    model->startMonitoring();
+    settle();
+    advance(seconds(59));
+    EXPECT_EQ(cycles(), 1U);
+    advance(seconds(1));
+    EXPECT_EQ(cycles(), 2U);
+}
+
+TEST_F(MonitoringLoop, neverMakesABusyLoopOfAHugeInterval) {
+    answerChecksAtOnce();
+    SiteConfiguration patient = configurationOf({"a"});
+    patient.intervalSeconds = std::numeric_limits<std::int64_t>::max();
+    load(patient);
+    model->startMonitoring();
+    settle();
+    EXPECT_EQ(clock.nextDeadline(), Instant::max());
+    advance(hours(24 * 365 * 100));
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, neverMakesABusyLoopOfANegativeInterval) {
+    answerChecksAtOnce();
+    SiteConfiguration backwards = configurationOf({"a"});
+    backwards.intervalSeconds = std::numeric_limits<std::int64_t>::min();
+    load(backwards);
+    model->startMonitoring();
+    settle();
+    EXPECT_EQ(clock.nextDeadline(), clock.now() + seconds(60));
+}
+
+TEST_F(MonitoringLoop, startedWithNothingToCheckGoesOnWakingAndNeverShowsAsChecking) {
+    load();
+    bool everChecking = false;
+    model->onChange = [&] { everChecking = everChecking || model->isChecking(); };
+    model->startMonitoring();
+    settle();
+    EXPECT_TRUE(model->isMonitoring());
+    for (int wake = 0; wake < 3; ++wake) {
+        EXPECT_EQ(clock.nextDeadline(), clock.now() + seconds(300));
+        advance(seconds(300));
+    }
+    EXPECT_FALSE(everChecking);
+    EXPECT_EQ(cycles(), 0U);
+    EXPECT_TRUE(model->isMonitoring());
+}
+
+TEST_F(MonitoringLoop, checksWhatALoadBroughtAtItsNextWake) {
+    answerChecksAtOnce();
+    load();
+    model->startMonitoring();
+    settle();
+    writeSites(configurationOf({"a"}));
+    model->reload();
+    settle();
+    EXPECT_EQ(cycles(), 0U);
+    advance(seconds(300));
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, goesOnAfterALoadThatFailedAndFindsNothing) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    writeSitesText("{");
+    model->reload();
+    settle();
+    ASSERT_TRUE(model->loadError().has_value());
+    advance(seconds(300));
+    EXPECT_EQ(cycles(), 1U);
+    EXPECT_TRUE(model->isMonitoring());
+    writeSites(configurationOf({"a"}));
+    model->reload();
+    settle();
+    advance(seconds(300));
+    EXPECT_EQ(cycles(), 2U);
+}
+
+TEST_F(MonitoringLoop, endsItsSleepAtOnceWhenStopped) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    ASSERT_EQ(clock.timerCount(), 1U);
+    model->stopMonitoring();
+    EXPECT_FALSE(model->isMonitoring());
+    settle();
+    EXPECT_EQ(clock.timerCount(), 0U);
+    advance(hours(1));
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, stoppedBeforeItsFirstCheckNeverChecks) {
+    writeSites(configurationOf({"a"}));
+    create();
+    model->startMonitoring();
+    main.runUntilIdle();
+    model->stopMonitoring();
+    settle();
+    EXPECT_EQ(cycles(), 0U);
+}
+
+TEST_F(MonitoringLoop, startedAgainWhileTheStoppedOneStillSleepsChecksAtOnce) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    model->stopMonitoring();
+    model->startMonitoring();
+    settle();
+    EXPECT_EQ(cycles(), 2U);
+    EXPECT_EQ(clock.timerCount(), 1U);
+}
+
+TEST_F(MonitoringLoop, stoppingWhatDoesNotRunChangesNothingButIsHarmless) {
+    load(configurationOf({"a"}));
+    model->stopMonitoring();
+    settle();
+    EXPECT_FALSE(model->isMonitoring());
+    EXPECT_FALSE(model->isChecking());
+    EXPECT_FALSE(model->isLoading());
+}
+
+TEST_F(MonitoringLoop, isOffAgainAfterARelaunch) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    model->shutdown();
+    load();
+    advance(hours(1));
+    EXPECT_FALSE(model->isMonitoring());
+    EXPECT_EQ(cycles(), 1U);
+}
+
+TEST_F(MonitoringLoop, goesOnAfterARunOfCyclesWhoseTargetsAreDown) {
+    checks.siteResults = [](const std::vector<SiteDefinition>&) { return std::vector{checkOf("a", false)}; };
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    for (int beat = 0; beat < 5; ++beat)
+        advance(seconds(300));
+    EXPECT_EQ(cycles(), 6U);
+    EXPECT_EQ(model->operationError(), std::nullopt) << "a website that is down is no failure of the cycle";
+    EXPECT_EQ(snapshot("a").history.totalCheckCount, 6);
+}
+
+} // namespace
+} // namespace kestrin
