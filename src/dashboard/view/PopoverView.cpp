@@ -63,6 +63,8 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
     list_->setWidgetResizable(true);
     list_->setFrameShape(QFrame::NoFrame);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The layout asks for no height here: sizeHint() adds the rows, of which a scroll area tells late.
+    list_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     list_->setAccessibleName("Websites");
 
     auto* buttons = new QHBoxLayout;
@@ -92,7 +94,7 @@ QSize PopoverView::sizeHint() const {
     if (!list_->isHidden()) {
         const QMargins around = layout()->contentsMargins();
         const int margins = around.left() + around.right() + list_->verticalScrollBar()->sizeHint().width();
-        height += rowLayout_->totalHeightForWidth(width - margins) - list_->sizeHint().height();
+        height += rowLayout_->totalHeightForWidth(width - margins);
     }
     return {width, std::clamp(height, leastHeightInEm * em, mostHeightInEm * em)};
 }
@@ -105,9 +107,22 @@ void PopoverView::show(const DashboardContent& content) {
     showPanel(content.panel);
     showWebsites(content.websites);
     showButton(startStop_, content.startStop);
-    showButton(checkNow_, content.checkNow);
+    showCheckNow(content.checkNow);
     showButton(quit_, content.quit);
     shown_ = content;
+    updateGeometry();
+}
+
+// A button that is disabled loses the focus to the next one, Quit, and the next press of Space would end the
+// program.
+void PopoverView::showCheckNow(const DashboardButton& content) {
+    if (!content.enabled && window()->focusWidget() == checkNow_) {
+        list_->setFocus();
+        checkNowAwaitsFocus_ = true;
+    }
+    showButton(checkNow_, content);
+    if (!content.enabled || !std::exchange(checkNowAwaitsFocus_, false)) return;
+    if (window()->focusWidget() == list_) checkNow_->setFocus();
 }
 
 void PopoverView::showPanel(const std::optional<DashboardPanel>& panel) {
@@ -116,6 +131,7 @@ void PopoverView::showPanel(const std::optional<DashboardPanel>& panel) {
     if (!panel) return;
     panelTitle_->setText(QString::fromStdString(panel->title));
     panelDescription_->setText(QString::fromStdString(panel->description));
+    panel_->layout()->activate();
 }
 
 void PopoverView::showNotices(const std::vector<std::string>& notices) {
@@ -127,6 +143,7 @@ void PopoverView::showNotices(const std::vector<std::string>& notices) {
         QLabel* label = wrappedLabel(this);
         label->setText(QString::fromStdString(notice));
         notices_->addWidget(label);
+        label->setVisible(true);
     }
 }
 
@@ -140,6 +157,8 @@ void PopoverView::showWebsites(const std::vector<WebsiteRow>& websites) {
     while (rows_.size() < websites.size()) {
         auto* row = new WebsiteRowWidget;
         rowLayout_->insertWidget(static_cast<int>(rows_.size()), row);
+        // Left to the layout it would be shown in a later turn, and would not count until then.
+        row->setVisible(true);
         rows_.push_back(row);
     }
     for (std::size_t index = 0; index < websites.size(); ++index)

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 private:
+    void showCheckNow(const DashboardButton& content);
     void showPanel(const std::optional<DashboardPanel>& panel);
     void showNotices(const std::vector<std::string>& notices);
     void showWebsites(const std::vector<WebsiteRow>& websites);
@@ -47,6 +48,7 @@ private:
     std::vector<WebsiteRowWidget*> rows_;
     QPushButton* startStop_;
     QPushButton* checkNow_;
+    bool checkNowAwaitsFocus_ = false;
     QPushButton* quit_;
 };
 

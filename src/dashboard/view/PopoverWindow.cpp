@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <chrono>
 
 namespace kestrin {
@@ -25,7 +26,7 @@ ScreenArea areaOf(const QScreen& screen) {
 
 } // namespace
 
-PopoverWindow::PopoverWindow(QWidget* content) {
+PopoverWindow::PopoverWindow(QWidget* content) : content_(content) {
     setWindowTitle("Kestrin");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -38,7 +39,7 @@ void PopoverWindow::toggle(std::optional<QPoint> click, const std::string& activ
     sinceFocusWasLost_.invalidate();
     if (closedByThisClick) return;
     if (isVisible() && style_ == Style::Popover) {
-        hide();
+        dismiss();
         return;
     }
     open(click, activationToken);
@@ -49,8 +50,11 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
     if (!isVisible()) {
         if (onOpen) onOpen();
         applyStyle();
-        adjustSize();
-        if (style_ == Style::Popover) moveBeside(click);
+        click_ = click;
+        ensurePolished();
+        resize(sizeForContent());
+        heightForContent_ = height();
+        if (style_ == Style::Popover) moveBeside(click_);
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
@@ -78,17 +82,47 @@ void PopoverWindow::moveBeside(std::optional<QPoint> click) {
     move(popoverPosition(size(), point, panelEdge(screen, point), screen));
 }
 
+// Not the window's own hint nor adjustSize(): for a given width they ask the layouts within, which leave out the
+// rows that scroll.
+QSize PopoverWindow::sizeForContent() const {
+    return content_->sizeHint().grownBy(contentsMargins());
+}
+
+// A first load, a notice or a longer error may need more room than there was at the opening. What the user resized
+// by hand stays as it is until the content outgrows what it needed before.
+void PopoverWindow::growToContent() {
+    const int wanted = std::min(sizeForContent().height(), screen()->availableSize().height());
+    if (wanted <= heightForContent_) return;
+    heightForContent_ = wanted;
+    if (wanted <= height() || isMaximized() || isFullScreen()) return;
+    resize(width(), wanted);
+    if (style_ == Style::Popover) moveBeside(click_);
+}
+
+// Hiding takes the focus away while the window still counts as visible; that is not the loss which closes it.
+void PopoverWindow::dismiss() {
+    isBeingDismissed_ = true;
+    hide();
+    isBeingDismissed_ = false;
+}
+
+bool PopoverWindow::event(QEvent* event) {
+    const bool handled = QFrame::event(event);
+    if (event->type() == QEvent::LayoutRequest && isVisible()) growToContent();
+    return handled;
+}
+
 void PopoverWindow::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || style_ != Style::Popover) return;
-    if (!isVisible() || isActiveWindow()) return;
-    hide();
+    if (isBeingDismissed_ || !isVisible() || isActiveWindow()) return;
+    dismiss();
     sinceFocusWasLost_.start();
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
-        hide();
+        dismiss();
     else
         QFrame::keyPressEvent(event);
 }

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QFrame>
+#include <QPoint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,15 +27,23 @@ public:
     std::function<void()> onOpen;
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void applyStyle();
     void moveBeside(std::optional<QPoint> click);
+    [[nodiscard]] QSize sizeForContent() const;
+    void growToContent();
+    void dismiss();
 
+    QWidget* content_; ///< owned as a child
     Style style_ = Style::OrdinaryWindow;
     QElapsedTimer sinceFocusWasLost_;
+    std::optional<QPoint> click_; ///< of the last opening
+    int heightForContent_ = 0;    ///< the most that this opening has needed so far
+    bool isBeingDismissed_ = false;
 };
 
 } // namespace kestrin

@@ -49,6 +49,8 @@ void WebsiteRowWidget::show(const WebsiteRow& row) {
     lastChecked_->setText(lastChecked);
     setAccessibleName(name);
     setAccessibleDescription(QStringList{state, lastResult, lastChecked}.join(", "));
+    // A popover that opens with these texts asks for its height in this same turn.
+    layout()->activate();
 }
 
 } // namespace kestrin
