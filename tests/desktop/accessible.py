@@ -105,6 +105,10 @@ def is_checked(node):
     return _has_state(node, _atspi.STATE_CHECKED)
 
 
+def is_focused(node):
+    return _has_state(node, _atspi.STATE_FOCUSED)
+
+
 def press(node):
     """Presses or toggles the control. Assert what it causes: the answer says only that the request arrived."""
     action = node.queryAction()

@@ -166,6 +166,10 @@ class VirtualDesktop:
         """What is registered in the panel, as the watcher names it."""
         return self._tray_property("RegisteredStatusNotifierItems") or ""
 
+    def accessibility_bus(self):
+        """Its address."""
+        return self.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress").split("'")[1]
+
     def screenshot(self, path, crop=None):
         """Writes a picture of the whole screen, or of `crop` ("200x30+1080+0")."""
         command = ["import", "-silent", "-window", "root"]
@@ -174,6 +178,23 @@ class VirtualDesktop:
 
     def click(self, x, y, button=1):
         self.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
+
+    def press_key(self, key):
+        """Into whichever window has the focus."""
+        self.run(["xdotool", "key", key])
+
+    def active_process(self):
+        """The process whose window has the keyboard's focus, or None. The window manager's own note of the active
+        window may name one that is hidden already."""
+        try:
+            return int(self.run(["xdotool", "getwindowfocus", "getwindowpid"]))
+        except subprocess.CalledProcessError:
+            return None
+
+    def call(self, name, path, method, *arguments):
+        """A call over the session bus; the answer as gdbus writes it."""
+        return self.run(["gdbus", "call", "--session", "--dest", name, "--object-path", path, "--method", method,
+                         "--", *arguments])
 
     # How it is made
 
@@ -233,28 +254,24 @@ class VirtualDesktop:
 
     def _start_accessibility(self):
         self.env.pop("NO_AT_BRIDGE")
-        self._gdbus("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set", "org.a11y.Status",
+        self.call("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set", "org.a11y.Status",
                     "IsEnabled", "<true>")
-        self._gdbus("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")
+        self.accessibility_bus()
 
     def _has_window_manager(self):
         shown = self.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"])
         return "window id" in shown
 
-    def _gdbus(self, name, path, method, *arguments):
-        return self.run(["gdbus", "call", "--session", "--dest", name, "--object-path", path, "--method", method,
-                         *arguments])
-
     def _call_bus(self, method, name):
         try:
-            return "true" in self._gdbus("org.freedesktop.DBus", "/org/freedesktop/DBus",
+            return "true" in self.call("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                          "org.freedesktop.DBus." + method, name)
         except subprocess.CalledProcessError:
             return False
 
     def _tray_property(self, name):
         try:
-            return self._gdbus(WATCHER, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties.Get", WATCHER,
+            return self.call(WATCHER, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties.Get", WATCHER,
                                name)
         except subprocess.CalledProcessError:
             return None
