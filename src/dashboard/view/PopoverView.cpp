@@ -79,6 +79,7 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
     column->addLayout(notices_);
     column->addWidget(panel_, 1);
     column->addWidget(list_, 1);
+    column->addSpacing(fontMetrics().height() / 2);
     column->addLayout(buttons);
 
     for (auto [button, action] : {std::pair(startStop_, actions.startOrStop),
