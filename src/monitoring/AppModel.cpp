@@ -5,6 +5,7 @@
 #include "tasks/Spawn.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace kestrin {
@@ -134,7 +135,7 @@ Task<> AppModel::waitForReload(Reference self) {
         TaskHandle<> reload;
         {
             const auto model = self.lock();
-            if (!model || !model->isLoading_ || !model->reloadTask_) co_return;
+            if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
             reload = model->reloadTask_;
         }
         // Another load may have begun meanwhile, so the question is asked again.
@@ -165,8 +166,8 @@ void AppModel::selectSite(const std::string& id) {
             collaborators_.writer.saveConfiguration(chosen, Backup::None);
             // Read afresh, so that the model's own write does not look like somebody else's.
             configurationRevision_ = collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
-        } catch (const MessageError& error) {
-            operationError_ = "Could not remember the selected website: " + error.message;
+        } catch (const std::exception& error) {
+            operationError_ = std::string("Could not remember the selected website: ") + error.what();
             announceChange();
             return;
         }

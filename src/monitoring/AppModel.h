@@ -114,6 +114,8 @@ private:
     static Task<> waitForReload(Reference self);
 
     static Task<> runCycle(Reference self, CheckTrigger trigger);
+    static Task<> performCycle(Reference self, TaskContext context, CycleTicket ticket,
+        MonitoringCheckRunner runner, CheckTrigger trigger);
     std::optional<CycleTicket> beginCycle(const TaskContext& context);
     void endCycle(const CycleTicket& ticket);
     std::vector<NotificationObservation> recordResults(

@@ -4,6 +4,8 @@
 #include "tasks/Spawn.h"
 
 #include <algorithm>
+#include <exception>
+#include <string>
 #include <utility>
 
 namespace kestrin {
@@ -29,8 +31,20 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
         runner = model->collaborators_.checkRunner;
     }
     if (!begun) co_return;
-    CycleTicket ticket = std::move(*begun);
+    const CycleTicket ticket = std::move(*begun);
+    try {
+        Task<> cycle = performCycle(self, context, ticket, std::move(runner), trigger);
+        co_await std::move(cycle);
+    } catch (const std::exception& error) {
+        // Neither checks nor notifications throw; were one to do so, the loop must go on and the user hear of it.
+        if (const auto model = self.lock())
+            model->operationError_ = std::string("The checks broke off: ") + error.what();
+    }
+    if (const auto model = self.lock()) model->endCycle(ticket);
+}
 
+Task<> AppModel::performCycle(
+    Reference self, TaskContext context, CycleTicket ticket, MonitoringCheckRunner runner, CheckTrigger trigger) {
     const SiteChecks siteChecks =
         spawnChild(*context.executor, context.stopToken, runner.performSiteChecks(std::exchange(ticket.sites, {})));
     const ServiceChecks serviceChecks = spawnChild(
@@ -46,12 +60,9 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
             observations = model->recordResults(siteChecks, serviceChecks, trigger);
         }
     }
-    if (!observations.empty()) {
-        Task<> notifying = notify(self, context, ticket, std::move(observations));
-        co_await std::move(notifying);
-    }
-
-    if (const auto model = self.lock()) model->endCycle(ticket);
+    if (observations.empty()) co_return;
+    Task<> notifying = notify(self, context, ticket, std::move(observations));
+    co_await std::move(notifying);
 }
 
 std::optional<AppModel::CycleTicket> AppModel::beginCycle(const TaskContext& context) {
@@ -81,9 +92,11 @@ void AppModel::endCycle(const CycleTicket& ticket) {
 // whole.
 std::vector<NotificationObservation> AppModel::recordResults(
     const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger) {
+    const std::vector<CheckRecord> siteRecords = siteChecks.take();
+    const std::vector<ProviderCheckRecord> serviceRecords = serviceChecks.take();
     std::vector<NotificationObservation> observations;
     try {
-        for (const CheckRecord& record : siteChecks.take()) {
+        for (const CheckRecord& record : siteRecords) {
             if (!recordSite(record)) {
                 // The website is gone from a configuration that nobody saw change: its line stands, and the rest of
                 // the cycle gives way to a load.
@@ -97,7 +110,7 @@ std::vector<NotificationObservation> AppModel::recordResults(
                 ? monitoredServiceIDs(
                       *collaborators_.services, configuration_->providerStatus, customProviderConfiguration_)
                 : std::set<std::string>();
-        for (const ProviderCheckRecord& record : serviceChecks.take())
+        for (const ProviderCheckRecord& record : serviceRecords)
             if (monitored.contains(record.providerID) && recordService(record) && isAutomatic(trigger))
                 observations.push_back(observationOf(record));
     } catch (const std::exception& error) {

@@ -6,6 +6,7 @@
 #include "tasks/Spawn.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace kestrin {
@@ -54,8 +55,14 @@ Task<> AppModel::runReload(
         load.emplace(model->loader_);
         pool = &model->collaborators_.loadPool;
     }
-    Task<AppModelLoadResult> loading = offload(*pool, std::move(*load));
-    AppModelLoadResult result = co_await std::move(loading);
+    AppModelLoadResult result;
+    try {
+        Task<AppModelLoadResult> loading = offload(*pool, std::move(*load));
+        result = co_await std::move(loading);
+    } catch (const std::exception& error) {
+        // No thread could be had for the load; that is told like any other failure of it.
+        result = LoadFailed{error.what()};
+    }
 
     NotificationInputs inputs;
     NotificationObserving* coordinator = nullptr;
@@ -68,8 +75,14 @@ Task<> AppModel::runReload(
     }
     // What notifications remember is brought in line before loading counts as finished.
     const std::shared_ptr<NotificationPolicyLease> lease = inputs.lease;
-    Task<NotificationManagementState> refreshing = coordinator->refreshState(std::move(inputs));
-    NotificationManagementState answer = co_await std::move(refreshing);
+    NotificationManagementState answer;
+    try {
+        Task<NotificationManagementState> refreshing = coordinator->refreshState(std::move(inputs));
+        answer = co_await std::move(refreshing);
+    } catch (const std::exception& error) {
+        // Loading must come to its end, or every cycle would wait for it.
+        answer.availability = NotificationsUnavailable{error.what()};
+    }
 
     const auto model = self.lock();
     if (!model || model->policyGeneration_ != generation || !lease->isValid()) co_return;
@@ -153,8 +166,13 @@ Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expec
         comparison.emplace(model->loader_, std::move(expected));
         pool = &model->collaborators_.loadPool;
     }
-    Task<bool> comparing = offload(*pool, std::move(*comparison));
-    const bool unchanged = co_await std::move(comparing);
+    bool unchanged = false;
+    try {
+        Task<bool> comparing = offload(*pool, std::move(*comparison));
+        unchanged = co_await std::move(comparing);
+    } catch (const std::exception&) {
+        // What cannot be compared is loaded again, and the load tells what is wrong.
+    }
 
     // A comparison that was cancelled has been superseded, and the field is no longer its own.
     const auto model = self.lock();

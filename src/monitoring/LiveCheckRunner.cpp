@@ -1,6 +1,7 @@
 #include "monitoring/LiveCheckRunner.h"
 
 #include "tasks/Concurrently.h"
+#include "tasks/FifoGate.h"
 
 #include <algorithm>
 #include <string>
@@ -10,17 +11,33 @@ namespace kestrin {
 
 namespace {
 
-/// A check with the time-out bound to it, as the bounded map calls it.
-template <class Record, class Definition, class Check> struct TimedCheck {
+/// One kind of check and its places, which all its lists share.
+template <class Record, class Definition> struct LimitedCheck {
+    using Check = std::function<Task<Record>(Definition, std::chrono::milliseconds)>;
+
     Check check;
-    Task<Record> operator()(Definition definition) const { return check(std::move(definition), checkTimeout); }
+    FifoGate places{checksInFlightPerKind};
+
+    /// As the bounded map calls it.
+    Task<Record> operator()(Definition definition) const { return run(check, places, std::move(definition)); }
+
+private:
+    static Task<Record> run(Check check, FifoGate places, Definition definition) {
+        const TaskContext context = co_await currentContext();
+        const FifoGate::Turn place = co_await places.enter();
+        // The map drops what comes after a cancellation, so nobody misses the check.
+        if (context.isCancelled()) co_return Record();
+        Task<Record> checking = check(std::move(definition), checkTimeout);
+        Record record = co_await std::move(checking);
+        co_return record;
+    }
 };
 
-template <class Record, class Definition, class Check>
-Task<std::vector<Record>> runChecks(
-    Executor& checkExecutor, Check check, std::vector<Definition> definitions, std::string Record::* identifier) {
-    TimedCheck<Record, Definition, Check> timed{std::move(check)};
-    Task<std::vector<Record>> map = boundedMap(std::move(definitions), checksInFlightPerKind, std::move(timed));
+template <class Record, class Definition>
+Task<std::vector<Record>> runChecks(Executor& checkExecutor, LimitedCheck<Record, Definition> limited,
+    std::vector<Definition> definitions, std::string Record::* identifier) {
+    if (!limited.check) co_return std::vector<Record>();
+    Task<std::vector<Record>> map = boundedMap(std::move(definitions), checksInFlightPerKind, std::move(limited));
     Task<std::vector<Record>> elsewhere = runOn(checkExecutor, std::move(map));
     std::vector<Record> records = co_await std::move(elsewhere);
     std::ranges::stable_sort(records, {}, identifier);
@@ -30,15 +47,16 @@ Task<std::vector<Record>> runChecks(
 } // namespace
 
 MonitoringCheckRunner liveCheckRunner(Executor& checkExecutor, SiteCheck checkSite, ProviderCheck checkProvider) {
+    const LimitedCheck<CheckRecord, SiteDefinition> sites{std::move(checkSite)};
+    const LimitedCheck<ProviderCheckRecord, ProviderDefinition> services{std::move(checkProvider)};
     return {
         .performSiteChecks =
-            [&checkExecutor, checkSite](std::vector<SiteDefinition> sites) {
-                return runChecks<CheckRecord>(checkExecutor, checkSite, std::move(sites), &CheckRecord::siteID);
+            [&checkExecutor, sites](std::vector<SiteDefinition> definitions) {
+                return runChecks(checkExecutor, sites, std::move(definitions), &CheckRecord::siteID);
             },
         .performProviderChecks =
-            [&checkExecutor, checkProvider](std::vector<ProviderDefinition> services) {
-                return runChecks<ProviderCheckRecord>(
-                    checkExecutor, checkProvider, std::move(services), &ProviderCheckRecord::providerID);
+            [&checkExecutor, services](std::vector<ProviderDefinition> definitions) {
+                return runChecks(checkExecutor, services, std::move(definitions), &ProviderCheckRecord::providerID);
             },
     };
 }

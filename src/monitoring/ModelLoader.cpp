@@ -47,8 +47,8 @@ AppModelLoadResult ModelLoader::attempt(const std::stop_token& stop) const {
     loaded.configuration = read.configuration();
     try {
         loaded.customProviderConfiguration = customProviders_->load().value_or(CustomProviderConfiguration());
-    } catch (const MessageError& error) {
-        loaded.customProviderIssue = "Could not read additional status services: " + error.message;
+    } catch (const std::exception& error) {
+        loaded.customProviderIssue = std::string("Could not read additional status services: ") + error.what();
     }
     loaded.snapshots = reader_.loadSiteSnapshots(loaded.configuration.sites, stop);
     const ProviderStatusConfiguration& status = loaded.configuration.providerStatus;

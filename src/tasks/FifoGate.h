@@ -2,6 +2,7 @@
 
 #include "tasks/Task.h"
 
+#include <cstddef>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -9,9 +10,9 @@
 
 namespace kestrin {
 
-/// Lets one operation in at a time, first come, first served. A whole operation keeps its turn across suspensions,
-/// which an executor alone does not give. Not re-entrant. A wait is not cancellable: look at the token after
-/// entering. Any thread; the gate may be destroyed while turns are held.
+/// Lets one operation in at a time, or as many as it has places, first come, first served. A whole operation keeps
+/// its turn across suspensions, which an executor alone does not give. Not re-entrant. A wait is not cancellable:
+/// look at the token after entering. Any thread. Copies are one gate, which lasts while turns are held.
 class FifoGate {
     struct State;
 
@@ -43,31 +44,33 @@ public:
         std::shared_ptr<State> state_;
     };
 
-    FifoGate() : state_(std::make_shared<State>()) {}
+    explicit FifoGate(std::size_t places = 1) : state_(std::make_shared<State>(places)) {}
 
     /// `const FifoGate::Turn turn = co_await gate.enter();`
     [[nodiscard]] Entry enter() const { return Entry(state_); }
 
 private:
     struct State {
+        explicit State(std::size_t places) : freePlaces(places) {}
+
         std::mutex mutex;
-        bool occupied = false;
+        std::size_t freePlaces;
         std::deque<std::pair<Executor*, std::coroutine_handle<>>> queue;
 
         bool enterOrQueue(Executor* executor, std::coroutine_handle<> waiter) {
             const std::lock_guard guard(mutex);
-            if (occupied) {
+            if (freePlaces == 0) {
                 queue.emplace_back(executor, waiter);
                 return false;
             }
-            occupied = true;
+            --freePlaces;
             return true;
         }
 
         void leave() {
             const std::lock_guard guard(mutex);
             if (queue.empty()) {
-                occupied = false;
+                ++freePlaces;
                 return;
             }
             // The turn passes directly, so that a newcomer cannot slip in between.

@@ -4,6 +4,7 @@
 #include "notifications/NotificationObserving.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +24,7 @@ public:
 
     bool holdsObserve = false;
     bool holdsRefresh = false;
+    bool throws = false;               ///< breaks its promise that it does not
     NotificationManagementState state; ///< what is answered at once
     std::vector<std::shared_ptr<Call>> observeCalls;
     std::vector<std::shared_ptr<Call>> refreshCalls;
@@ -53,6 +55,7 @@ public:
 private:
     std::shared_ptr<Call> receive(std::vector<std::shared_ptr<Call>>& calls,
         std::vector<NotificationObservation> observations, NotificationInputs inputs, bool holds) const {
+        if (throws) throw std::runtime_error("the notifications broke");
         auto call = std::make_shared<Call>();
         call->observations = std::move(observations);
         call->leaseWasValid = inputs.lease && inputs.lease->isValid();

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <mutex>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,10 @@ namespace kestrin {
 /// A pool whose work runs, on the test's thread, only when the test finishes it.
 class ManualPool : public BlockingPool {
 public:
+    bool refuses = false; ///< as a pool does that cannot have a thread
+
     void run(std::function<void()> work) override {
+        if (refuses) throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
         const std::lock_guard guard(mutex_);
         work_.push_back(std::move(work));
     }

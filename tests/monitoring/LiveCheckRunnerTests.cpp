@@ -211,6 +211,40 @@ TEST_F(LiveCheckRunner, keepsWhatCameBeforeTheCancellation) {
     EXPECT_EQ(idsIn(handle.take(), &CheckRecord::siteID), (Words{"a"}));
 }
 
+TEST_F(LiveCheckRunner, countsTheChecksOfAListThatWasGivenUpUntilTheyEnd) {
+    const auto givenUp = check({"a", "b"});
+    givenUp.cancel();
+    const auto next = check({"c", "d"});
+    EXPECT_EQ(siteChecks.names(), (Words{"a", "b"})) << "two are still in flight";
+    answer(0);
+    EXPECT_EQ(siteChecks.names(), (Words{"a", "b", "c"}));
+    answer(1);
+    answer(2);
+    answer(3);
+    EXPECT_EQ(idsIn(next.take(), &CheckRecord::siteID), (Words{"c", "d"}));
+}
+
+TEST_F(LiveCheckRunner, beginsNoCheckThatWasCancelledWhileItWaitedForAPlace) {
+    const auto first = check({"a", "b"});
+    const auto second = check({"c"});
+    second.cancel();
+    answer(0);
+    ASSERT_TRUE(second.done());
+    EXPECT_TRUE(second.take().empty());
+    EXPECT_EQ(siteChecks.names(), (Words{"a", "b"}));
+    answer(1);
+}
+
+TEST_F(LiveCheckRunner, givesNoRecordsOfAKindWithoutACheck) {
+    const MonitoringCheckRunner half = liveCheckRunner(
+        elsewhere, [this](SiteDefinition site, auto timeout) { return siteChecks.begin(site.id, timeout); },
+        nullptr);
+    const auto handle = spawn(main, half.performProviderChecks(servicesNamed({"openai"})));
+    settle();
+    ASSERT_TRUE(handle.done());
+    EXPECT_TRUE(handle.take().empty());
+}
+
 TEST_F(LiveCheckRunner, checksOnItsOwnExecutorAndComesBackToTheCallers) {
     const auto handle = spawn(main, runner.performSiteChecks(sitesNamed({"a"})));
     main.runUntilIdle();

@@ -93,6 +93,18 @@ TEST_F(AGate, letsInWhoCameFirst) {
     EXPECT_EQ(log, expected);
 }
 
+TEST_F(AGate, letsInAsManyAsItHasPlaces) {
+    FifoGate wide(2);
+    for (const char* name : {"first", "second", "third"})
+        spawn(executor, operation(wide, clock, name, log));
+    executor.runUntilIdle();
+    EXPECT_EQ(log, (Log{"first enters", "second enters"}));
+    passSeconds(2);
+    EXPECT_EQ(log, (Log{"first enters", "second enters", "first wakes", "second wakes", "first leaves",
+                       "second leaves", "third enters"}));
+    passSeconds(2);
+}
+
 TEST_F(AGate, letsNoNewcomerSlipInBetweenALeaveAndTheNextEntry) {
     spawn(executor, operation(gate, clock, "a", log));
     executor.runUntilIdle();

@@ -12,7 +12,7 @@ namespace kestrin {
 
 namespace {
 
-// Four checks at most are in flight, each with one transfer; the rest is for loads and the serial owners.
+// Two checks of a kind are in flight at most, each with one transfer; the rest is for loads and the serial owners.
 constexpr std::size_t workThreads = 12;
 // Resolutions cannot be stopped: beside those in use there must be room for every one that may be left behind.
 constexpr std::size_t resolverThreads = BackgroundResolver::defaultMaximumAbandoned + 8;

@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QSessionManager>
 #include <cstdlib>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -68,8 +69,16 @@ int main(int argc, char** argv) {
     const std::expected<StateLocations, std::string> locations = StateLocations::find();
     if (!locations) return refuseToStart(locations.error());
 
-    auto delegate = std::make_unique<AppDelegate>(
-        locations->stateRoot, bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
+    // Without a bus no icon and no second start leads back to a window that was closed, so closing it ends the
+    // program.
+    QApplication::setQuitOnLastWindowClosed(!bus);
+    std::unique_ptr<AppDelegate> delegate;
+    try {
+        delegate = std::make_unique<AppDelegate>(
+            locations->stateRoot, bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
+    } catch (const std::exception& error) {
+        return refuseToStart(error.what());
+    }
     instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
     const int status = QApplication::exec();
     instance.onActivate = nullptr;
