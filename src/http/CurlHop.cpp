@@ -149,6 +149,7 @@ TransferFailure CurlHop::failure(CURLcode code) const {
     failure.connected = connectTime > 0;
     failure.statusLineRead = collector_.hasStatus();
     failure.alerted = alerted_;
+    failure.secondTry = secondTry_;
     failure.peerStayed = peerStayed_ && !farewell_;
     return failure;
 }
@@ -169,6 +170,10 @@ std::size_t CurlHop::onBody(char* bytes, std::size_t size, std::size_t count, vo
 
 curl_socket_t CurlHop::onOpenSocket(void* hop, curlsocktype, curl_sockaddr* address) noexcept {
     auto& self = *static_cast<CurlHop*>(hop);
+    // Addresses are tried side by side before there is a secure connection. A socket wanted after that would carry
+    // the request a second time, as libcurl does when a server refuses its stream.
+    self.secondTry_ = self.secondTry_ || self.secured_;
+    if (self.secondTry_) return CURL_SOCKET_BAD;
     return self.admitted_.openSocket(address->addr, address->addrlen, address->socktype, address->protocol);
 }
 
@@ -196,8 +201,9 @@ void CurlHop::onSecurityRecord(
 }
 
 void CurlHop::onSecurityEvent(const SSL* session, int where, int value) noexcept {
-    if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) return;
     auto& self = *static_cast<CurlHop*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(session)));
+    self.secured_ = self.secured_ || (where & SSL_CB_HANDSHAKE_DONE) != 0;
+    if ((where & SSL_CB_READ_ALERT) != SSL_CB_READ_ALERT) return;
     self.alerted_ = self.alerted_ || value >> 8 == SSL3_AL_FATAL;
     self.farewell_ = self.farewell_ || (value & 0xff) == SSL_AD_CLOSE_NOTIFY;
 }

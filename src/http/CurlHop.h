@@ -78,6 +78,8 @@ private:
     X509_STORE* trusted_;
     bool ready_ = true;
     bool alerted_ = false;
+    bool secured_ = false;
+    bool secondTry_ = false;
     bool farewell_ = false;
     bool peerStayed_ = false;
     std::unique_ptr<CURLU, URLDeleter> url_;

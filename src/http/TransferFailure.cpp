@@ -48,6 +48,7 @@ const char* certificateSentence(long verifyResult) {
 }
 
 const char* sentenceFor(const TransferFailure& failure) {
+    if (failure.secondTry) return sentences::connectionLost;
     if (failure.proxyStatus != 0 && failure.proxyStatus / 100 != 2) return sentences::requestFailed;
     switch (failure.code) {
     case CURLE_OPERATION_TIMEDOUT:

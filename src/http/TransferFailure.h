@@ -15,6 +15,7 @@ struct TransferFailure {
     bool connected = false;      ///< a TCP connection stood
     bool statusLineRead = false; ///< the server has spoken HTTP
     bool alerted = false;        ///< the server ended TLS with a fatal alert
+    bool secondTry = false;      ///< libcurl wanted to send the request once more, which it must not
     bool peerStayed = false;     ///< the server had not ended it when the connection was given up
 };
 

@@ -105,6 +105,17 @@ TEST(SpeakingHTTP2, tellsAStreamThatTheServerGaveUp) {
     EXPECT_EQ(sentenceOf(exchangeFrames(reset, false)), "The connection was lost.");
 }
 
+TEST(SpeakingHTTP2, sendsARequestOnceAlsoWhenTheServerInvitesAnother) {
+    // Refused stream, and HTTP/1.1 required: libcurl would try again.
+    for (const char code : {'\x7', '\xd'}) {
+        TrustedSite site;
+        const std::string reset = frame(3, 0, 1, std::string("\0\0\0", 3) + code);
+        const TLSServer server(site.authority.issue(), answeringFrames(reset), {.protocol = "h2"});
+        EXPECT_EQ(sentenceOf(site.perform(site.request(server.port()))), "The connection was lost.");
+        EXPECT_EQ(server.connections(), 1);
+    }
+}
+
 TEST(SpeakingHTTP2, boundsTheHead) {
     // One field of 150 KB, its length written as HPACK's prefix integer: 127 and 153473 more.
     constexpr char continuationType = 9;
