@@ -1,5 +1,7 @@
 #include "json/JSONParser.h"
 
+#include "text/Shortening.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -19,12 +21,17 @@ namespace kestrin {
 
 namespace {
 
+/// A hostile key may be megabytes long.
+constexpr std::size_t longestNamedKey = 80;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// Builds the tree from the library's events. Open containers stand on a stack of their own, so that the depth of
 /// the input costs no stack of the thread. An event that returns false ends the parse; `problem` then says why.
 class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 public:
+    /// `size` is that of the input, in bytes.
+    explicit TreeBuilder(std::size_t size) : size_(size) {}
+
     bool null() override { return add(JSONValue()); }
     bool boolean(bool value) override { return add(JSONValue(value)); }
     bool number_integer(number_integer_t value) override { return add(JSONValue(std::int64_t{value})); }
@@ -72,6 +79,7 @@ public:
     }
 
     bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception&) override {
+        if (position > size_) return fail("it ends too early");
         return fail("byte " + std::to_string(position) + " is not acceptable");
     }
 
@@ -106,16 +114,8 @@ private:
         std::ranges::sort(sorted);
         const auto twice = std::ranges::adjacent_find(sorted);
         if (twice == sorted.end()) return false;
-        fail("the key “" + shortened(*twice) + "” stands there twice");
+        fail("the key “" + shortenedForDisplay(*twice, longestNamedKey) + "” stands there twice");
         return true;
-    }
-
-    /// A hostile key may be megabytes long. Cut between two letters, not inside one.
-    static std::string shortened(std::string_view key) {
-        std::size_t length = std::min<std::size_t>(key.size(), 80);
-        while (length > 0 && length < key.size() && (static_cast<unsigned char>(key[length]) & 0xC0) == 0x80)
-            --length;
-        return std::string(key.substr(0, length));
     }
 
     bool fail(std::string problem) {
@@ -123,6 +123,7 @@ private:
         return false;
     }
 
+    std::size_t size_;
     JSONValue root_;
     std::vector<Container> open_;
     std::string problem_;
@@ -140,7 +141,7 @@ JSONValue parseJSON(std::string_view text) {
     if (const auto nul = text.find('\0'); nul != std::string_view::npos)
         refuse("byte " + std::to_string(nul + 1) + " is not acceptable");
     try {
-        TreeBuilder builder;
+        TreeBuilder builder(text.size());
         if (!nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder)) refuse(builder.problem());
         return builder.take();
     } catch (const std::bad_alloc&) {

@@ -4,11 +4,9 @@
 #include "state/SiteConfigurationCoding.h"
 #include "state/StandardizedPath.h"
 #include "state/StateReader.h"
+#include "json/JSONError.h"
 #include "json/JSONParser.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <system_error>
 
 namespace kestrin {
@@ -63,11 +61,14 @@ bool isReadableBackup(const std::filesystem::path& path) {
     }
 }
 
-bool entryExists(const std::filesystem::path& path) {
-    struct stat status{};
-    if (::lstat(path.c_str(), &status) == 0) return true;
-    if (errno == ENOENT) return false;
-    throwPOSIXError();
+/// The decoder knows keys and bytes; which file they stand in is known here.
+SiteConfiguration decodeConfigurationFile(const std::filesystem::path& file) {
+    const std::string content = readConfigurationFile(file);
+    try {
+        return decodeSiteConfiguration(parseJSON(content));
+    } catch (const JSONError& error) {
+        throw JSONError("sites.json: " + error.message);
+    }
 }
 
 } // namespace
@@ -82,7 +83,7 @@ ConfigurationLoadResult StateReader::loadConfiguration() const {
     const std::filesystem::path file = configurationFilePath(rootURL_);
     switch (AtomicStateFile::fileKind(file)) {
     case StateFileKind::regularFile:
-        return ConfigurationLoadResult::configured(decodeSiteConfiguration(parseJSON(readConfigurationFile(file))));
+        return ConfigurationLoadResult::configured(decodeConfigurationFile(file));
     case StateFileKind::missing:
         break;
     default:
@@ -120,7 +121,9 @@ std::string StateReader::nextAvailableSiteID(const std::set<std::string>& used) 
     for (std::uint64_t n = 1;; ++n) {
         std::string id = "site-" + std::to_string(n);
         if (used.contains(id) || reserved.contains(id)) continue;
-        if (!entryExists(historyFilePath(rootURL_, HistoryKind::Website, id))) return id;
+        if (AtomicStateFile::fileKind(historyFilePath(rootURL_, HistoryKind::Website, id)) ==
+            StateFileKind::missing)
+            return id;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "state/HistoryAppending.h"
 
 #include "state/AtomicStateFile.h"
+#include "state/ConfigurationFile.h"
 #include "state/FileDescriptor.h"
 #include "state/FileRevision.h"
 #include "state/HistoryScanner.h"
@@ -61,7 +62,7 @@ std::optional<HistoryFileRevision> begin(const std::filesystem::path& path, cons
 }
 
 void requireConfiguration(const std::filesystem::path& root) {
-    if (AtomicStateFile::fileKind(root / "sites.json") == StateFileKind::missing)
+    if (AtomicStateFile::fileKind(configurationFilePath(root)) == StateFileKind::missing)
         throw StateWriteError("Kestrin's state directory is missing sites.json.");
 }
 
@@ -76,9 +77,11 @@ HistoryFileRevision appendHistoryLine(
     if (AtomicStateFile::fileKind(path) == StateFileKind::missing) {
         requireConfiguration(root);
         createDirectories(path.parent_path());
-        path = historyFilePath(root, kind, id); // a link may have been planted meanwhile
+        // Asked again before each use: a link may have been planted meanwhile.
+        path = historyFilePath(root, kind, id);
         if (const auto revision = begin(path, line)) return *revision;
     }
+    path = historyFilePath(root, kind, id);
     if (AtomicStateFile::fileKind(path) != StateFileKind::regularFile)
         throw StateWriteError(std::string(notRegular));
     return extend(path, line);

@@ -55,14 +55,15 @@ void replace(const std::filesystem::path& root, const std::filesystem::path& fil
 }
 
 /// Creates the state directory. Its own name reaches the disk as well, where its parent can be opened; a parent
-/// that may only be passed through is no reason to refuse a save.
+/// that is a link or may only be passed through is no reason to refuse a save.
 void createRoot(const std::filesystem::path& root) {
-    if (AtomicStateFile::fileKind(root) != StateFileKind::missing) return createDirectories(root);
-    createDirectories(root);
+    const bool isNew = AtomicStateFile::fileKind(root) == StateFileKind::missing;
+    AtomicStateFile::ensureDirectory(root, IfMissing::Create, "Kestrin's state path is not a regular directory.");
+    if (!isNew) return;
     try {
         AtomicStateFile::syncDirectory(root.parent_path());
     } catch (const POSIXError& error) {
-        if (error.code != EACCES) throw;
+        if (error.code != EACCES && error.code != ENOTDIR && error.code != ELOOP) throw;
     }
 }
 
@@ -102,10 +103,12 @@ std::optional<std::filesystem::path> StateWriter::saveConfiguration(
     createRoot(root);
     const bool exists = AtomicStateFile::fileKind(file) != StateFileKind::missing;
 
-    std::optional<std::filesystem::path> backupMade;
-    if (backup == Backup::Make && exists) backupMade = makeBackup(root, file, now_());
     const std::string text = writePretty(encodeSiteConfiguration(configuration));
-    if (exists || !createFirst(root, file, text)) replace(root, file, text);
+    // A file that comes into being meanwhile is somebody's too, and is kept like one that was there before.
+    if (!exists && createFirst(root, file, text)) return std::nullopt;
+    std::optional<std::filesystem::path> backupMade;
+    if (backup == Backup::Make) backupMade = makeBackup(root, file, now_());
+    replace(root, file, text);
     return backupMade;
 }
 

@@ -139,7 +139,7 @@ class WhatCanBeRead(PopoverTest):
         self.put_sites_file('{"sites": [], "%s": 1, "%s": 2}' % (key, key))
         self.start_program()
         self.open_by_icon()
-        message = f"This is not valid JSON: the key “{key}” stands there twice."
+        message = f"sites.json: This is not valid JSON: the key “{key}” stands there twice."
         self.wait_for_text(message)
         self.assertIn(message, self.assert_nothing_is_cut_off())
 

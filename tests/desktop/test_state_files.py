@@ -70,7 +70,7 @@ class ABadSitesFile(desktop_test.DesktopTest):
 
     def test_broken_json_is_told_by_its_place(self):
         self.put_sites_file('{"sites": [')
-        self.show_and_repair("This is not valid JSON: byte 12 is not acceptable.", self.content)
+        self.show_and_repair("sites.json: This is not valid JSON: byte 12 is not acceptable.", self.content)
 
     def test_a_value_of_the_wrong_type_is_told_by_its_path(self):
         self.put_sites_file(json.dumps({"sites": [{"id": "status-200", "name": 7, "url": "https://example.com/"}]}))
@@ -82,7 +82,7 @@ class ABadSitesFile(desktop_test.DesktopTest):
 
     def test_a_key_that_stands_twice_is_told(self):
         self.put_sites_file('{"sites": [], "sites": []}')
-        self.show_and_repair("This is not valid JSON: the key “sites” stands there twice.", self.content)
+        self.show_and_repair("sites.json: This is not valid JSON: the key “sites” stands there twice.", self.content)
 
     def test_a_link_is_not_followed(self):
         self.write_sites("status-200")
@@ -120,7 +120,7 @@ class ABadSitesFile(desktop_test.DesktopTest):
         self.close_dashboard()
         self.put_sites_file("{")
         self.open_dashboard()
-        self.wait_for_text("This is not valid JSON: byte 2 is not acceptable.")
+        self.wait_for_text("sites.json: This is not valid JSON: byte 2 is not acceptable.")
         self.assertEqual((self.content(), len(self.history("status-200"))), (b"{", 1))
         self.assertIn("Monitoring active", self.texts())
 

@@ -6,6 +6,7 @@
 #include "state/ThrownMessage.h"
 #include "json/JSONError.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,14 +21,16 @@ template <class Error = ConfigurationReadError> std::string loadRefusal(const fs
     return thrownMessage<Error>([&] { static_cast<void>(StateReader(root).loadConfiguration()); });
 }
 
-/// What reading this "sites.json" says; the file must stay as it is.
+/// What reading this "sites.json" says after naming the file; the file must stay as it is.
 std::string decodingRefusal(const std::string& content) {
     const TemporaryDirectory root;
     root.write("sites.json", content);
     const std::string message = loadRefusal<JSONError>(root.path());
     EXPECT_EQ(root.read("sites.json"), content);
     EXPECT_THAT(root.entries(), ElementsAre("sites.json"));
-    return message;
+    constexpr std::string_view prefix = "sites.json: ";
+    EXPECT_TRUE(message.starts_with(prefix)) << message;
+    return message.substr(std::min(message.size(), prefix.size()));
 }
 
 SiteConfiguration loaded(const std::string& content) {
@@ -188,13 +191,18 @@ TEST(LoadingTheConfiguration, namesTheKeyThatIsMissingOrOfTheWrongType) {
         "“provider_status.provider_ids[1]” must be text.");
 }
 
+TEST(LoadingTheConfiguration, saysOfAnEmptyOrCutFileThatItEndsTooEarly) {
+    for (const char* content : {"", " \n", "{", "{\"sites\":[", "{\"si"})
+        EXPECT_EQ(decodingRefusal(content), "This is not valid JSON: it ends too early.") << content;
+}
+
 TEST(LoadingTheConfiguration, survivesAFileOfAnyDepth) {
     for (const char* open : {"[", "{\"sites\":"})
         EXPECT_EQ(decodingRefusal(repeated(open, 100'000)),
             "This is not valid JSON: it is nested more than 128 levels deep.");
 }
 
-TEST(LoadingTheConfiguration, survivesAFileOfAnySize) {
+TEST(LoadingTheConfiguration, survivesAFileOfFiftyMegabytes) {
     constexpr std::size_t size = 50'000'000;
     EXPECT_EQ(decodingRefusal(std::string(size, '\0')), "This is not valid JSON: byte 1 is not acceptable.");
     EXPECT_EQ(

@@ -97,6 +97,16 @@ TEST_F(LoadingSnapshots, dropsBadLinesInSilence) {
     EXPECT_EQ(history.recentChecks.back(), check(2));
 }
 
+TEST_F(LoadingSnapshots, readsLinesThatEndInCarriageReturnAndLineFeed) {
+    writer.appendCheck(check(1));
+    std::string line = root.read("data/a.jsonl");
+    line.insert(line.size() - 1, "\r");
+    root.write("data/a.jsonl", line + line);
+    const SiteHistoryProjection history = reader.loadSiteSnapshots({site("a")})[0].history;
+    EXPECT_EQ(history.totalCheckCount, 2);
+    EXPECT_EQ(history.recentChecks.back(), check(1));
+}
+
 TEST_F(LoadingSnapshots, dropsOnlyTheServiceLineOfAnUnknownState) {
     writer.appendProviderCheck(providerCheck(0));
     std::string line = root.read("data/providers/p.jsonl");

@@ -176,6 +176,24 @@ TEST(SavingAConfiguration, replacesALinkInsteadOfWritingThroughIt) {
     EXPECT_EQ(root.read("sites.json"), golden);
 }
 
+TEST(SavingAConfiguration, worksBelowAParentThatIsALink) {
+    const TemporaryDirectory place;
+    fs::create_directory(place / "real");
+    fs::create_directory_symlink("real", place / "link");
+    writerAt(place / "link" / "Kestrin").saveConfiguration(configuration, Backup::None);
+    EXPECT_EQ(place.read("real/Kestrin/sites.json"), golden);
+}
+
+TEST(SavingAConfiguration, refusesARootThatIsALinkAndWritesNothing) {
+    const TemporaryDirectory place;
+    fs::create_directory(place / "elsewhere");
+    fs::create_directory_symlink("elsewhere", place / "Kestrin");
+    const auto message = thrownMessage<AtomicStateFileError>(
+        [&] { writerAt(place / "Kestrin").saveConfiguration(configuration, Backup::None); });
+    EXPECT_EQ(message, "Kestrin's state path is not a regular directory.");
+    EXPECT_TRUE(fs::is_empty(place / "elsewhere"));
+}
+
 TEST(SavingAConfiguration, leavesADirectoryInItsPlaceAloneAndNoTemporary) {
     const TemporaryDirectory root;
     root.write("sites.json/inner", "kept");
