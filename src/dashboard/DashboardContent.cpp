@@ -1,6 +1,7 @@
 #include "dashboard/DashboardContent.h"
 
 #include "monitoring/MonitoredTargets.h"
+#include "text/Shortening.h"
 #include "text/Timestamp.h"
 
 #include <utility>
@@ -8,6 +9,10 @@
 namespace kestrin {
 
 namespace {
+
+// Both texts may come from a file that somebody else wrote.
+constexpr std::size_t longestResult = 400;
+constexpr std::size_t longestMoment = 40;
 
 std::pair<WebsiteRow::State, const char*> stateOf(const SiteSnapshot& snapshot) {
     if (!snapshot.site.enabled) return {WebsiteRow::State::Disabled, "DISABLED"};
@@ -18,12 +23,12 @@ std::pair<WebsiteRow::State, const char*> stateOf(const SiteSnapshot& snapshot) 
 
 std::string outcomeText(const CheckRecord& record) {
     if (record.httpStatus) return "HTTP " + std::to_string(*record.httpStatus);
-    return record.error.value_or("No response");
+    return shortenedForDisplay(record.error.value_or("No response"), longestResult);
 }
 
 std::string momentText(const CheckRecord& record, const LocaleFormats& formats) {
     const auto when = parseTimestamp(record.timestamp);
-    std::string text = when ? formats.time(*when) : record.timestamp;
+    std::string text = when ? formats.time(*when) : shortenedForDisplay(record.timestamp, longestMoment);
     if (record.elapsedMS) text += " · " + formats.duration(*record.elapsedMS);
     return text;
 }

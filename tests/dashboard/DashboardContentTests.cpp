@@ -156,6 +156,15 @@ TEST_F(DashboardContentTest, aTimestampThatIsNoneIsShownAsItStands) {
     EXPECT_EQ(websiteRow(snapshotWith({checkAt("yesterday")}), formats).lastChecked, "yesterday");
 }
 
+TEST_F(DashboardContentTest, aTextOfAnyLengthFromAFileIsCutToWhatCanBeRead) {
+    CheckRecord record = checkAt(std::string(1'000'000, 'x'));
+    record.error = std::string(8'000'000, '\n');
+    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
+    EXPECT_LT(row.lastResult.size(), 500u);
+    EXPECT_TRUE(row.lastResult.ends_with(" …"));
+    EXPECT_LT(row.lastChecked.size(), 100u);
+}
+
 TEST_F(DashboardContentTest, aDisabledWebsiteSaysSoBesideItsOldChecks) {
     SiteSnapshot snapshot = snapshotWith({checkAt("2026-01-31T09:05:00Z")});
     snapshot.site.enabled = false;

@@ -46,7 +46,9 @@ void PopoverWindow::toggle(std::optional<QPoint> click, const std::string& activ
 }
 
 void PopoverWindow::open(std::optional<QPoint> click, const std::string& activationToken) {
-    if (!activationToken.empty()) qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    // Qt takes the token from the environment, which other threads read; elsewhere it is of no use.
+    if (!activationToken.empty() && QGuiApplication::platformName().startsWith("wayland"))
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
     if (!isVisible()) {
         if (onOpen) onOpen();
         applyStyle();
@@ -121,7 +123,7 @@ void PopoverWindow::changeEvent(QEvent* event) {
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape && style_ == Style::Popover)
         dismiss();
     else
         QFrame::keyPressEvent(event);
