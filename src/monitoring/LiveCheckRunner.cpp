@@ -3,7 +3,7 @@
 #include "tasks/Concurrently.h"
 #include "tasks/FifoGate.h"
 
-#include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -33,6 +33,21 @@ private:
     }
 };
 
+// A multimap keeps what is equal in the order in which it came. The library's stable sort asks for a buffer by a
+// function that it declares deprecated itself.
+template <class Record>
+std::vector<Record> sortedStably(std::vector<Record> records, std::string Record::* identifier) {
+    std::multimap<std::string, Record> ordered;
+    for (Record& record : records) {
+        std::string id = record.*identifier;
+        ordered.emplace(std::move(id), std::move(record));
+    }
+    records.clear();
+    for (auto& [id, record] : ordered)
+        records.push_back(std::move(record));
+    return records;
+}
+
 template <class Record, class Definition>
 Task<std::vector<Record>> runChecks(Executor& checkExecutor, LimitedCheck<Record, Definition> limited,
     std::vector<Definition> definitions, std::string Record::* identifier) {
@@ -40,8 +55,7 @@ Task<std::vector<Record>> runChecks(Executor& checkExecutor, LimitedCheck<Record
     Task<std::vector<Record>> map = boundedMap(std::move(definitions), checksInFlightPerKind, std::move(limited));
     Task<std::vector<Record>> elsewhere = runOn(checkExecutor, std::move(map));
     std::vector<Record> records = co_await std::move(elsewhere);
-    std::ranges::stable_sort(records, {}, identifier);
-    co_return records;
+    co_return sortedStably(std::move(records), identifier);
 }
 
 } // namespace
