@@ -68,17 +68,21 @@ class ABadSitesFile(desktop_test.DesktopTest):
     def content(self):
         return (self.state / "sites.json").read_bytes()
 
-    def test_broken_json_is_told_by_its_place(self):
+    def test_json_that_breaks_off_is_told(self):
         self.put_sites_file('{"sites": [')
-        self.show_and_repair("sites.json: This is not valid JSON: byte 12 is not acceptable.", self.content)
+        self.show_and_repair("sites.json: This is not valid JSON: it ends too early.", self.content)
+
+    def test_broken_json_is_told_by_its_place(self):
+        self.put_sites_file('{"sites": x}')
+        self.show_and_repair("sites.json: This is not valid JSON: byte 11 is not acceptable.", self.content)
 
     def test_a_value_of_the_wrong_type_is_told_by_its_path(self):
         self.put_sites_file(json.dumps({"sites": [{"id": "status-200", "name": 7, "url": "https://example.com/"}]}))
-        self.show_and_repair("“sites[0].name” must be text.", self.content)
+        self.show_and_repair("sites.json: “sites[0].name” must be text.", self.content)
 
     def test_a_list_instead_of_an_object_is_told(self):
         self.put_sites_file("[]\n")
-        self.show_and_repair("The JSON value must be an object.", self.content)
+        self.show_and_repair("sites.json: The JSON value must be an object.", self.content)
 
     def test_a_key_that_stands_twice_is_told(self):
         self.put_sites_file('{"sites": [], "sites": []}')
@@ -120,7 +124,7 @@ class ABadSitesFile(desktop_test.DesktopTest):
         self.close_dashboard()
         self.put_sites_file("{")
         self.open_dashboard()
-        self.wait_for_text("sites.json: This is not valid JSON: byte 2 is not acceptable.")
+        self.wait_for_text("sites.json: This is not valid JSON: it ends too early.")
         self.assertEqual((self.content(), len(self.history("status-200"))), (b"{", 1))
         self.assertIn("Monitoring active", self.texts())
 

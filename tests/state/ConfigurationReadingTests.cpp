@@ -143,13 +143,15 @@ TEST(LoadingTheConfiguration, saysThatAnUnreadableFileIsUnreadable) {
     fs::permissions(root.path(), fs::perms(0755));
     fs::permissions(root.write("sites.json", R"({"sites":[]})"), fs::perms::none);
     EXPECT_EQ(asOrdinaryUser([&] { return loadRefusal<POSIXError>(root.path()); }), "Permission denied");
+    fs::permissions(root / "sites.json", fs::perms::owner_read);
     EXPECT_EQ(root.read("sites.json"), R"({"sites":[]})");
 }
 
 TEST(LoadingTheConfiguration, saysThatADirectoryCannotBeListed) {
     const TemporaryDirectory root;
-    fs::permissions(root.path(), fs::perms(0711));
+    fs::permissions(root.path(), fs::perms(0311));
     EXPECT_EQ(asOrdinaryUser([&] { return loadRefusal<POSIXError>(root.path()); }), "Permission denied");
+    fs::permissions(root.path(), fs::perms(0755));
 }
 
 TEST(LoadingTheConfiguration, refusesTruncatedEmptyAndBinaryFiles) {
