@@ -1,15 +1,11 @@
 #include "destinations/URLScheme.h"
 
-#include <algorithm>
+#include "text/ASCIICase.h"
 
 namespace kestrin {
 
 std::string lowercaseScheme(const WebURL& url) {
-    std::string scheme = url.scheme;
-    std::ranges::transform(scheme, scheme.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return scheme;
+    return asciiLowercase(url.scheme);
 }
 
 } // namespace kestrin

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,19 +11,6 @@
 namespace kestrin {
 
 namespace {
-
-struct URLDeleter {
-    void operator()(CURLU* url) const { curl_url_cleanup(url); }
-};
-struct CurlDeleter {
-    void operator()(char* text) const { curl_free(text); }
-};
-
-std::optional<std::string> part(CURLU* url, CURLUPart what) {
-    char* text = nullptr;
-    if (curl_url_get(url, what, &text, 0) != CURLUE_OK) return std::nullopt;
-    return std::string(std::unique_ptr<char, CurlDeleter>(text).get());
-}
 
 bool isPrintable(std::string_view text, char from) {
     return std::all_of(text.begin(), text.end(), [from](char c) { return c >= from && c <= '~'; });
@@ -71,10 +57,10 @@ bool isSameHost(const std::string& judged, const std::string& kept) {
 
 } // namespace
 
-CURLU* curlDestination(const HTTPHopRequest& request) {
+CurlURL curlDestination(const HTTPHopRequest& request) {
     if (request.scheme != "https" || !isPlainHost(request.host) || request.port == 0 || !fitsTheWire(request))
         return nullptr;
-    std::unique_ptr<CURLU, URLDeleter> url(curl_url());
+    CurlURL url(curl_url());
     if (!url) return nullptr;
 
     const bool literal = request.host.find(':') != std::string::npos;
@@ -84,14 +70,13 @@ CURLU* curlDestination(const HTTPHopRequest& request) {
                         curl_url_set(url.get(), CURLUPART_HOST, host.c_str(), 0) == CURLUE_OK &&
                         curl_url_set(url.get(), CURLUPART_PORT, port.c_str(), 0) == CURLUE_OK &&
                         curl_url_set(url.get(), CURLUPART_PATH, "/", 0) == CURLUE_OK;
-    if (!filled || part(url.get(), CURLUPART_SCHEME) != "https" || part(url.get(), CURLUPART_PORT) != port)
-        return nullptr;
-    const auto kept = part(url.get(), CURLUPART_HOST);
+    if (!filled || partOf(url, CURLUPART_SCHEME) != "https" || partOf(url, CURLUPART_PORT) != port) return nullptr;
+    const auto kept = partOf(url, CURLUPART_HOST);
     if (!kept || !isSameHost(request.host, *kept)) return nullptr;
     for (const CURLUPart absent : {CURLUPART_USER, CURLUPART_PASSWORD, CURLUPART_ZONEID}) {
-        if (part(url.get(), absent)) return nullptr;
+        if (partOf(url, absent)) return nullptr;
     }
-    return url.release();
+    return url;
 }
 
 } // namespace kestrin

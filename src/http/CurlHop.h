@@ -1,6 +1,7 @@
 #pragma once
 
 #include "http/AdmittedAddresses.h"
+#include "http/CurlURL.h"
 #include "http/HTTPHop.h"
 #include "http/ProxySettings.h"
 #include "http/ResponseCollector.h"
@@ -45,9 +46,6 @@ private:
     struct EasyDeleter {
         void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
     };
-    struct URLDeleter {
-        void operator()(CURLU* url) const { curl_url_cleanup(url); }
-    };
     struct ListDeleter {
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     };
@@ -82,7 +80,7 @@ private:
     bool secondTry_ = false;
     bool farewell_ = false;
     bool peerStayed_ = false;
-    std::unique_ptr<CURLU, URLDeleter> url_;
+    CurlURL url_;
     List headers_;
     List pins_;
     std::unique_ptr<CURL, EasyDeleter> easy_; ///< last, as it refers to all of the above

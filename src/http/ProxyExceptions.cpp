@@ -1,5 +1,7 @@
 #include "http/ProxyExceptions.h"
 
+#include "text/ASCIICase.h"
+
 #include <arpa/inet.h>
 
 #include <algorithm>
@@ -52,10 +54,8 @@ bool domainHolds(std::string_view entry, std::string_view host) {
     return host.size() == entry.size() || host[host.size() - entry.size() - 1] == '.';
 }
 
-std::string normalized(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
+std::string normalized(std::string_view host) {
+    std::string text = asciiLowercase(host);
     if (text.ends_with('.')) text.pop_back();
     return text;
 }

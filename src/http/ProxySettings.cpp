@@ -1,12 +1,11 @@
 #include "http/ProxySettings.h"
 
-#include <curl/curl.h>
+#include "http/CurlURL.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <initializer_list>
-#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -14,34 +13,21 @@ namespace kestrin {
 
 namespace {
 
-struct URLDeleter {
-    void operator()(CURLU* url) const { curl_url_cleanup(url); }
-};
-struct CurlDeleter {
-    void operator()(char* text) const { curl_free(text); }
-};
-
-std::string part(CURLU* url, CURLUPart what) {
-    char* text = nullptr;
-    if (curl_url_get(url, what, &text, 0) != CURLUE_OK) return {};
-    return std::string(std::unique_ptr<char, CurlDeleter>(text).get());
-}
-
 /// Read by libcurl's own parser, as libcurl is who connects to it.
 std::optional<ProxyServer> parsed(const std::string& text) {
     constexpr std::array<std::string_view, 6> schemes{"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
     ProxyServer server;
     server.url = text.find("://") == std::string::npos ? "http://" + text : text;
-    const std::unique_ptr<CURLU, URLDeleter> url(curl_url());
+    const CurlURL url(curl_url());
     if (!url || curl_url_set(url.get(), CURLUPART_URL, server.url.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK) {
         return std::nullopt;
     }
-    const std::string scheme = part(url.get(), CURLUPART_SCHEME);
+    const std::string scheme = partOf(url, CURLUPART_SCHEME).value_or("");
     if (std::find(schemes.begin(), schemes.end(), scheme) == schemes.end()) return std::nullopt;
-    server.host = part(url.get(), CURLUPART_HOST);
+    server.host = partOf(url, CURLUPART_HOST).value_or("");
     if (server.host.starts_with('[')) server.host = server.host.substr(1, server.host.size() - 2);
     if (server.host.empty()) return std::nullopt;
-    const std::string port = part(url.get(), CURLUPART_PORT);
+    const std::string port = partOf(url, CURLUPART_PORT).value_or("");
     // What libcurl assumes where none is written.
     const unsigned long number =
         port.empty() ? (scheme == "https" ? 443 : 1080) : std::strtoul(port.c_str(), nullptr, 10);

@@ -1,5 +1,7 @@
 #include "http/ResponseCollector.h"
 
+#include "text/ASCIICase.h"
+
 #include <algorithm>
 #include <charconv>
 #include <utility>
@@ -13,14 +15,6 @@ std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::string lowercased(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return result;
 }
 
 /// Three digits behind the protocol's version, or nothing.
@@ -87,7 +81,7 @@ void ResponseCollector::takeField(std::string_view line) {
     const auto colon = line.find(':');
     if (colon == std::string_view::npos) return;
     openField_ =
-        HTTPHeader{lowercased(trimmed(line.substr(0, colon))), std::string(trimmed(line.substr(colon + 1)))};
+        HTTPHeader{asciiLowercase(trimmed(line.substr(0, colon))), std::string(trimmed(line.substr(colon + 1)))};
 }
 
 void ResponseCollector::finishField() {
