@@ -23,7 +23,11 @@ class Quiet(desktop_test.DesktopTest):
         """How often each thread has waited for something so far."""
         counts = {}
         for task in pathlib.Path(f"/proc/{self.program.pid}/task").iterdir():
-            status = dict(line.split(":", 1) for line in (task / "status").read_text().splitlines())
+            try:
+                text = (task / "status").read_text()
+            except (FileNotFoundError, ProcessLookupError):
+                continue  # a thread that ended since the listing
+            status = dict(line.split(":", 1) for line in text.splitlines())
             counts[f"{status['Name'].strip()} {task.name}"] = int(status["voluntary_ctxt_switches"])
         return counts
 
