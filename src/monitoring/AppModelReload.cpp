@@ -166,12 +166,13 @@ Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expec
         comparison.emplace(model->loader_, std::move(expected));
         pool = &model->collaborators_.loadPool;
     }
-    bool unchanged = false;
+    bool unchanged = true;
     try {
         Task<bool> comparing = offload(*pool, std::move(*comparison));
         unchanged = co_await std::move(comparing);
     } catch (const std::exception&) {
         // What cannot be compared is loaded again, and the load tells what is wrong.
+        unchanged = false;
     }
 
     // A comparison that was cancelled has been superseded, and the field is no longer its own.
