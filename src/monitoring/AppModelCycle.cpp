@@ -36,9 +36,13 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
         Task<> cycle = performCycle(self, context, ticket, std::move(runner), trigger);
         co_await std::move(cycle);
     } catch (const std::exception& error) {
-        // Neither checks nor notifications throw; were one to do so, the loop must go on and the user hear of it.
-        if (const auto model = self.lock())
+        // Neither checks nor notifications throw; were one to do so, the loop must go on and the user hear of it,
+        // unless the cycle has been given up, which is silent.
+        const auto model = self.lock();
+        if (model && !context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {
             model->operationError_ = std::string("The checks broke off: ") + error.what();
+            model->announceChange();
+        }
     }
     if (const auto model = self.lock()) model->endCycle(ticket);
 }
