@@ -1,8 +1,12 @@
 #include "state/StateReader.h"
 
+#include "model/MessageError.h"
 #include "state/HistoryLineDecoder.h"
 #include "state/HistoryScanner.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace kestrin {
@@ -35,6 +39,46 @@ private:
     HistoryLineDecoder decoder_;
 };
 
+const SiteDefinition& targetOf(const SiteSnapshot& snapshot) {
+    return snapshot.site;
+}
+
+const ProviderDefinition& targetOf(const ProviderSnapshot& snapshot) {
+    return snapshot.provider;
+}
+
+/// The known snapshot of a target, as long as its file is the one that the snapshot was read from; else null. What
+/// is there instead, and whether it may be read, is the scan's to judge.
+template <class Snapshot>
+const Snapshot* unchangedSnapshot(const std::vector<Snapshot>& known, const std::filesystem::path& root,
+    HistoryKind kind, const std::string& id) {
+    const auto snapshot = std::ranges::find(known, id, [](const Snapshot& each) { return targetOf(each).id; });
+    if (snapshot == known.end() || !snapshot->historyRevision) return nullptr;
+    struct stat status{};
+    const std::filesystem::path path = historyFilePath(root, kind, id);
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+    return revisionOf(status) == *snapshot->historyRevision ? &*snapshot : nullptr;
+}
+
+/// Gives each target its snapshot: the history that `known` holds of it, or else what `Fold` makes of its lines.
+template <class Fold, class Snapshot, class Target>
+std::vector<Snapshot> loadSnapshots(const std::filesystem::path& root, HistoryKind kind,
+    const std::vector<Target>& targets, const std::vector<Snapshot>& known, const std::stop_token& stop) {
+    std::vector<Snapshot> snapshots;
+    snapshots.reserve(targets.size());
+    for (const Target& target : targets) {
+        if (stop.stop_requested()) throw CancellationError();
+        if (const Snapshot* unchanged = unchangedSnapshot(known, root, kind, target.id)) {
+            snapshots.push_back({target, unchanged->history, unchanged->historyRevision});
+            continue;
+        }
+        Fold fold;
+        const auto revision = scanHistoryLines(root, kind, target.id, fold, stop);
+        snapshots.push_back({target, std::move(fold.history), revision});
+    }
+    return snapshots;
+}
+
 } // namespace
 
 StateReader::StateReader(std::filesystem::path rootURL) : rootURL_(std::move(rootURL)) {}
@@ -49,27 +93,22 @@ HistoryFileRevision StateReader::fileRevision(const std::filesystem::path& url, 
 
 std::vector<SiteSnapshot> StateReader::loadSiteSnapshots(
     const std::vector<SiteDefinition>& sites, std::stop_token stop) const {
-    std::vector<SiteSnapshot> snapshots;
-    snapshots.reserve(sites.size());
-    for (const SiteDefinition& site : sites) {
-        SiteHistoryFold fold;
-        const auto revision = scanHistoryLines(rootURL_, HistoryKind::Website, site.id, fold, stop);
-        snapshots.push_back({.site = site, .history = std::move(fold.history), .historyRevision = revision});
-    }
-    return snapshots;
+    return loadSiteSnapshots(sites, {}, std::move(stop));
 }
 
 std::vector<ProviderSnapshot> StateReader::loadProviderSnapshots(
     const std::vector<ProviderDefinition>& providers, std::stop_token stop) const {
-    std::vector<ProviderSnapshot> snapshots;
-    snapshots.reserve(providers.size());
-    for (const ProviderDefinition& provider : providers) {
-        ProviderHistoryFold fold;
-        const auto revision = scanHistoryLines(rootURL_, HistoryKind::Provider, provider.id, fold, stop);
-        snapshots.push_back(
-            {.provider = provider, .history = std::move(fold.history), .historyRevision = revision});
-    }
-    return snapshots;
+    return loadProviderSnapshots(providers, {}, std::move(stop));
+}
+
+std::vector<SiteSnapshot> StateReader::loadSiteSnapshots(
+    const std::vector<SiteDefinition>& sites, const std::vector<SiteSnapshot>& known, std::stop_token stop) const {
+    return loadSnapshots<SiteHistoryFold>(rootURL_, HistoryKind::Website, sites, known, stop);
+}
+
+std::vector<ProviderSnapshot> StateReader::loadProviderSnapshots(const std::vector<ProviderDefinition>& providers,
+    const std::vector<ProviderSnapshot>& known, std::stop_token stop) const {
+    return loadSnapshots<ProviderHistoryFold>(rootURL_, HistoryKind::Provider, providers, known, stop);
 }
 
 } // namespace kestrin

@@ -46,6 +46,14 @@ public:
     [[nodiscard]] std::vector<ProviderSnapshot> loadProviderSnapshots(
         const std::vector<ProviderDefinition>& providers, std::stop_token stop = {}) const;
 
+    /// The same, where a history whose file still has the revision of the known snapshot of that target is taken
+    /// over instead of read. Only snapshots that hold all of their file's lines may be given as known.
+    [[nodiscard]] std::vector<SiteSnapshot> loadSiteSnapshots(const std::vector<SiteDefinition>& sites,
+        const std::vector<SiteSnapshot>& known, std::stop_token stop = {}) const;
+    [[nodiscard]] std::vector<ProviderSnapshot> loadProviderSnapshots(
+        const std::vector<ProviderDefinition>& providers, const std::vector<ProviderSnapshot>& known,
+        std::stop_token stop = {}) const;
+
 private:
     std::filesystem::path rootURL_;
 };

@@ -73,7 +73,7 @@ TEST_F(LoadingSnapshots, equalsTheFoldOfTheSameRecords) {
     for (int n = 0; n < 100; ++n) {
         history.append(check(n));
         providerHistory.append(providerCheck(n));
-        const HistoryFileRevision revision = writer.appendCheck(check(n));
+        const HistoryFileRevision revision = writer.appendCheck(check(n)).after;
         const HistoryFileRevision providerRevision = writer.appendProviderCheck(providerCheck(n));
         EXPECT_EQ(reader.loadSiteSnapshots({site("a")})[0],
             (SiteSnapshot{.site = site("a"), .history = history, .historyRevision = revision}))
@@ -143,4 +143,106 @@ TEST_F(LoadingSnapshots, throwsTheCancellationWhenStopped) {
     EXPECT_THROW(static_cast<void>(reader.loadSiteSnapshots({site("a")}, source.get_token())), CancellationError);
     EXPECT_THROW(
         static_cast<void>(reader.loadProviderSnapshots({provider("p")}, source.get_token())), CancellationError);
+}
+
+namespace {
+
+/// Snapshots in memory whose histories are not what their files say, so that it shows which of the two is taken.
+class ReloadingSnapshots : public LoadingSnapshots {
+protected:
+    ReloadingSnapshots() {
+        writer.appendCheck(check(1));
+        writer.appendProviderCheck(providerCheck(1));
+        known = reader.loadSiteSnapshots({site("a")});
+        knownProviders = reader.loadProviderSnapshots({provider("p")});
+        known[0].history.totalCheckCount = 1000;
+        knownProviders[0].history.recentChecks[0].summary = "in memory";
+    }
+
+    std::int64_t total() { return reader.loadSiteSnapshots({site("a")}, known)[0].history.totalCheckCount; }
+    std::string summary() {
+        return reader.loadProviderSnapshots({provider("p")}, knownProviders)[0].history.recentChecks.back().summary;
+    }
+
+    std::vector<SiteSnapshot> known;
+    std::vector<ProviderSnapshot> knownProviders;
+};
+
+} // namespace
+
+TEST_F(ReloadingSnapshots, takesOverAHistoryWhoseFileIsUnchangedWithoutReadingIt) {
+    EXPECT_EQ(total(), 1000);
+    EXPECT_EQ(summary(), "in memory");
+    SiteDefinition renamed = site("a");
+    renamed.name = "Another name";
+    const SiteSnapshot snapshot = reader.loadSiteSnapshots({renamed}, known)[0];
+    EXPECT_EQ(snapshot.site, renamed) << "the definition is the new one";
+    EXPECT_EQ(snapshot.historyRevision, known[0].historyRevision);
+}
+
+TEST_F(ReloadingSnapshots, readsAHistoryThatHasGrown) {
+    writer.appendCheck(check(2));
+    writer.appendProviderCheck(providerCheck(2));
+    EXPECT_EQ(total(), 2);
+    EXPECT_EQ(summary(), "2");
+}
+
+TEST_F(ReloadingSnapshots, readsAHistoryThatWasWrittenInPlaceOrReplaced) {
+    const fs::path file = root / "data/a.jsonl";
+    fs::last_write_time(file, fs::last_write_time(file) + std::chrono::nanoseconds(1));
+    EXPECT_EQ(total(), 1);
+
+    known[0].historyRevision = reader.historyRevision(HistoryKind::Website, "a");
+    EXPECT_EQ(total(), 1000);
+    const auto modified = fs::last_write_time(file);
+    fs::copy_file(file, root / "data/copy");
+    fs::last_write_time(root / "data/copy", modified);
+    fs::rename(root / "data/copy", file);
+    EXPECT_EQ(total(), 1) << "another file of the same size and time";
+}
+
+TEST_F(ReloadingSnapshots, givesAnEmptyHistoryForAFileThatIsGone) {
+    fs::remove(root / "data/a.jsonl");
+    for (const auto& revision :
+        {known[0].historyRevision, std::optional<HistoryFileRevision>(), std::optional(HistoryFileRevision())}) {
+        known[0].historyRevision = revision;
+        EXPECT_EQ(reader.loadSiteSnapshots({site("a")}, known)[0],
+            (SiteSnapshot{.site = site("a"), .history = {}, .historyRevision = std::nullopt}));
+    }
+}
+
+TEST_F(ReloadingSnapshots, readsAHistoryThatHasComeIntoBeing) {
+    for (const auto& revision : {std::optional<HistoryFileRevision>(), std::optional(HistoryFileRevision())}) {
+        known[0].historyRevision = revision;
+        EXPECT_EQ(total(), 1);
+    }
+}
+
+TEST_F(ReloadingSnapshots, takesOverNothingFromAnotherTarget) {
+    root.write("data/b.jsonl", root.read("data/a.jsonl"));
+    const auto snapshots = reader.loadSiteSnapshots({site("b"), site("a"), site("c")}, known);
+    EXPECT_EQ(snapshots[0].history.totalCheckCount, 1);
+    EXPECT_EQ(snapshots[1].history.totalCheckCount, 1000);
+    EXPECT_EQ(snapshots[2].history.totalCheckCount, 0);
+}
+
+TEST_F(ReloadingSnapshots, refusesAHistoryThatBecameALinkOrADirectory) {
+    const fs::path file = root / "data/a.jsonl";
+    fs::rename(file, root / "real.jsonl");
+    fs::create_symlink("../real.jsonl", file);
+    EXPECT_EQ(
+        thrownMessage<StatePathError>([&] { total(); }), "Symbolic links are not allowed in Kestrin state paths.");
+    fs::remove(file);
+    fs::create_directory(file);
+    EXPECT_EQ(thrownMessage<HistoryReadError>([&] { total(); }), "Kestrin history is not a regular file.");
+}
+
+TEST_F(ReloadingSnapshots, throwsTheCancellationWhenStoppedEvenIfNothingIsRead) {
+    std::stop_source source;
+    source.request_stop();
+    EXPECT_THROW(
+        static_cast<void>(reader.loadSiteSnapshots({site("a")}, known, source.get_token())), CancellationError);
+    EXPECT_THROW(
+        static_cast<void>(reader.loadProviderSnapshots({provider("p")}, knownProviders, source.get_token())),
+        CancellationError);
 }
