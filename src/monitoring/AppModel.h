@@ -16,8 +16,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kestrin {
@@ -133,6 +135,7 @@ private:
     void applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID);
     void applyLoaded(LoadFailed failed);
     void showNothing();
+    [[nodiscard]] KnownHistories knownHistories() const;
     [[nodiscard]] ExpectedStateRevisions expectedRevisions() const;
     [[nodiscard]] std::optional<std::string> activeSiteID() const;
     void announceChange() const;
@@ -163,6 +166,8 @@ private:
     CustomProviderConfiguration customProviderConfiguration_;
     HistoryFileRevision configurationRevision_;
     HistoryFileRevision customProviderRevision_;
+    /// Whose snapshots lack a line of another program, though their revisions are those of the files.
+    std::set<std::pair<HistoryKind, std::string>> incompleteHistories_;
 
     // Three counters that only grow. Long work remembers one and compares it when it comes back.
     std::uint64_t policyGeneration_ = 0;        ///< what was configured when the work began

@@ -130,12 +130,14 @@ std::vector<NotificationObservation> AppModel::recordResults(
 // Written first and looked up afterwards: a check that was made is not lost. False without a snapshot to show it
 // in.
 bool AppModel::recordSite(const CheckRecord& record) {
-    const HistoryFileRevision revision = collaborators_.writer.appendCheck(record);
+    const HistoryAppend append = collaborators_.writer.appendCheck(record);
     const auto snapshot = std::ranges::find_if(
         snapshots_, [&](const SiteSnapshot& candidate) { return candidate.site.id == record.siteID; });
     if (snapshot == snapshots_.end()) return false;
+    if (snapshot->historyRevision.value_or(HistoryFileRevision()) != append.before)
+        incompleteHistories_.emplace(HistoryKind::Website, record.siteID);
     snapshot->history.append(record);
-    snapshot->historyRevision = revision;
+    snapshot->historyRevision = append.after;
     announceChange();
     return true;
 }
@@ -145,7 +147,10 @@ bool AppModel::recordService(const ProviderCheckRecord& record) {
     const auto snapshot = std::ranges::find_if(providerSnapshots_,
         [&](const ProviderSnapshot& candidate) { return candidate.provider.id == record.providerID; });
     if (snapshot == providerSnapshots_.end()) return false;
-    snapshot->historyRevision = collaborators_.writer.appendProviderCheck(record);
+    const HistoryAppend append = collaborators_.writer.appendProviderCheck(record);
+    if (snapshot->historyRevision.value_or(HistoryFileRevision()) != append.before)
+        incompleteHistories_.emplace(HistoryKind::Provider, record.providerID);
+    snapshot->historyRevision = append.after;
     snapshot->history.append(record);
     announceChange();
     return true;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace kestrin {
@@ -19,7 +20,8 @@ constexpr std::int64_t shortestIntervalSeconds = 60;
 /// The blocking work of a reload and of a comparison; each owns a copy of all it reads.
 struct Load {
     ModelLoader loader;
-    AppModelLoadResult operator()(const std::stop_token& stop) const { return loader.load(stop); }
+    KnownHistories known;
+    AppModelLoadResult operator()(const std::stop_token& stop) const { return loader.load(known, stop); }
 };
 
 struct Comparison {
@@ -52,7 +54,7 @@ Task<> AppModel::runReload(
     {
         const auto model = self.lock();
         if (!model) co_return;
-        load.emplace(model->loader_);
+        load.emplace(model->loader_, model->knownHistories());
         pool = &model->collaborators_.loadPool;
     }
     AppModelLoadResult result;
@@ -147,6 +149,7 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
     selectedSiteID_ = reconciledSiteSelection(
         selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
     selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
+    incompleteHistories_.clear();
     isFirstRun_ = false;
     loadError_.reset();
 }
@@ -180,6 +183,19 @@ Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expec
     if (!model || context.isCancelled()) co_return;
     model->revisionRefreshTask_.reset();
     if (!unchanged) model->reload();
+}
+
+// All but those in whose files somebody else has written a line that nobody has read.
+KnownHistories AppModel::knownHistories() const {
+    KnownHistories known;
+    std::ranges::copy_if(snapshots_, std::back_inserter(known.sites), [&](const SiteSnapshot& snapshot) {
+        return !incompleteHistories_.contains({HistoryKind::Website, snapshot.site.id});
+    });
+    std::ranges::copy_if(
+        providerSnapshots_, std::back_inserter(known.services), [&](const ProviderSnapshot& snapshot) {
+            return !incompleteHistories_.contains({HistoryKind::Provider, snapshot.provider.id});
+        });
+    return known;
 }
 
 ExpectedStateRevisions AppModel::expectedRevisions() const {

@@ -17,12 +17,12 @@ ModelLoader::ModelLoader(StateReader reader, std::shared_ptr<const CustomProvide
     std::shared_ptr<const ServiceDirectory> services)
     : reader_(std::move(reader)), customProviders_(std::move(customProviders)), services_(std::move(services)) {}
 
-AppModelLoadResult ModelLoader::load(const std::stop_token& stop) const {
+AppModelLoadResult ModelLoader::load(const KnownHistories& known, const std::stop_token& stop) const {
     try {
         try {
-            return attempt(stop);
+            return attempt(known, stop);
         } catch (const AppModelStateLoadError&) {
-            return attempt(stop);
+            return attempt(known, stop);
         }
     } catch (const CancellationError&) {
         return LoadFailed{"Kestrin stopped loading monitor data."};
@@ -31,7 +31,7 @@ AppModelLoadResult ModelLoader::load(const std::stop_token& stop) const {
     }
 }
 
-AppModelLoadResult ModelLoader::attempt(const std::stop_token& stop) const {
+AppModelLoadResult ModelLoader::attempt(const KnownHistories& known, const std::stop_token& stop) const {
     refuseIfStopped(stop);
     const HistoryFileRevision configurationBefore = configurationRevision();
     const HistoryFileRevision customProvidersBefore = customProviders_->revision();
@@ -50,11 +50,12 @@ AppModelLoadResult ModelLoader::attempt(const std::stop_token& stop) const {
     } catch (const std::exception& error) {
         loaded.customProviderIssue = std::string("Could not read additional status services: ") + error.what();
     }
-    loaded.snapshots = reader_.loadSiteSnapshots(loaded.configuration.sites, stop);
+    loaded.snapshots = reader_.loadSiteSnapshots(loaded.configuration.sites, known.sites, stop);
     const ProviderStatusConfiguration& status = loaded.configuration.providerStatus;
     if (status.enabled)
         loaded.providerSnapshots = reader_.loadProviderSnapshots(
-            servicesOfRun(*services_, status.providerIDs, loaded.customProviderConfiguration), stop);
+            servicesOfRun(*services_, status.providerIDs, loaded.customProviderConfiguration), known.services,
+            stop);
 
     loaded.configurationRevision = configurationRevision();
     loaded.customProviderRevision = customProviders_->revision();

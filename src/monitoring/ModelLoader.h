@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitoring/AppModelLoadResult.h"
+#include "monitoring/KnownHistories.h"
 #include "services/CustomProviderReading.h"
 #include "services/ServiceDirectory.h"
 #include "state/StateReader.h"
@@ -18,15 +19,16 @@ public:
         std::shared_ptr<const ServiceDirectory> services);
 
     /// Loads everything, once more when the configuration moved during the first attempt. Never throws: what went
-    /// wrong is in the result. Stops at its next look when a stop is requested.
-    [[nodiscard]] AppModelLoadResult load(const std::stop_token& stop) const;
+    /// wrong is in the result. Histories that did not change are taken from `known`. Stops at its next look when a
+    /// stop is requested.
+    [[nodiscard]] AppModelLoadResult load(const KnownHistories& known, const std::stop_token& stop) const;
 
     /// Whether every file still has the revision the model knows; looks at metadata alone, one file at a time, and
     /// stops at the first difference. A revision that cannot be read is a difference.
     [[nodiscard]] bool revisionsMatch(const ExpectedStateRevisions& expected, const std::stop_token& stop) const;
 
 private:
-    [[nodiscard]] AppModelLoadResult attempt(const std::stop_token& stop) const;
+    [[nodiscard]] AppModelLoadResult attempt(const KnownHistories& known, const std::stop_token& stop) const;
     [[nodiscard]] HistoryFileRevision configurationRevision() const;
 
     StateReader reader_;

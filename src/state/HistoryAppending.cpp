@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <optional>
 
 namespace kestrin {
@@ -38,17 +39,20 @@ bool endsInTornLine(const FileDescriptor& file, std::int64_t size) {
     return count == 0 || last != '\n';
 }
 
-HistoryFileRevision extend(const std::filesystem::path& path, const std::string& line) {
+HistoryAppend extend(const std::filesystem::path& path, const std::string& line) {
     // In append mode the system itself puts the bytes behind whatever another writer has added meanwhile.
     const FileDescriptor file = FileDescriptor::open(path, O_RDWR | O_APPEND);
     const struct stat status = file.status();
     requireRegular(status);
-    writeAll(endsInTornLine(file, status.st_size) ? "\n" + line : line, file.get(), "The disk took no data.");
-    return revisionOf(file.status());
+    const std::string added = endsInTornLine(file, status.st_size) ? "\n" + line : line;
+    writeAll(added, file.get(), "The disk took no data.");
+    HistoryAppend append = {.before = revisionOf(status), .after = revisionOf(file.status())};
+    append.before.byteCount = append.after.byteCount - static_cast<std::int64_t>(added.size());
+    return append;
 }
 
 /// No value when the file has come into being meanwhile.
-std::optional<HistoryFileRevision> begin(const std::filesystem::path& path, const std::string& line) {
+std::optional<HistoryAppend> begin(const std::filesystem::path& path, const std::string& line) {
     try {
         createWholeFile(line, path, path.parent_path(), Durability::Written);
     } catch (const POSIXError& error) {
@@ -58,7 +62,7 @@ std::optional<HistoryFileRevision> begin(const std::filesystem::path& path, cons
     struct stat status{};
     if (::lstat(path.c_str(), &status) != 0) throwPOSIXError();
     requireRegular(status);
-    return revisionOf(status);
+    return HistoryAppend{.before = {}, .after = revisionOf(status)};
 }
 
 void requireConfiguration(const std::filesystem::path& root) {
@@ -68,7 +72,7 @@ void requireConfiguration(const std::filesystem::path& root) {
 
 } // namespace
 
-HistoryFileRevision appendHistoryLine(
+HistoryAppend appendHistoryLine(
     const std::filesystem::path& root, HistoryKind kind, const std::string& id, std::string line) {
     if (line.size() > maximumHistoryLineBytes)
         throw StateWriteError("Kestrin refused an oversized history record.");
@@ -79,7 +83,7 @@ HistoryFileRevision appendHistoryLine(
         createDirectories(path.parent_path());
         // Asked again before each use: a link may have been planted meanwhile.
         path = historyFilePath(root, kind, id);
-        if (const auto revision = begin(path, line)) return *revision;
+        if (const auto begun = begin(path, line)) return *begun;
     }
     path = historyFilePath(root, kind, id);
     if (AtomicStateFile::fileKind(path) != StateFileKind::regularFile)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/CheckRecord.h"
-#include "model/HistoryFileRevision.h"
 #include "model/ProviderCheckRecord.h"
+#include "state/HistoryAppend.h"
 #include "state/HistoryPath.h"
 
 #include <filesystem>
@@ -14,12 +14,12 @@ namespace kestrin {
 [[nodiscard]] std::string historyLine(const CheckRecord& record);
 [[nodiscard]] std::string historyLine(const ProviderCheckRecord& record);
 
-/// Adds a line to a target's history file, creating file and directories, and returns the file's revision after it.
+/// Adds a line to a target's history file, creating file and directories, and returns the file's revisions.
 /// The former bytes stay as they are, whatever fails: at most the new line is torn, and the next append seals it
 /// with a line feed. Not synced: the latest lines may be lost with the machine. Throws `StateWriteError` for a line
 /// that is too long, for anything but a regular file, and rather than begin a history in a directory without
 /// "sites.json", which the next start would refuse; `StatePathError` and `POSIXError` as `historyFilePath` does.
-HistoryFileRevision appendHistoryLine(
+HistoryAppend appendHistoryLine(
     const std::filesystem::path& root, HistoryKind kind, const std::string& id, std::string line);
 
 } // namespace kestrin

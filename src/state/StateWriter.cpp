@@ -88,11 +88,11 @@ std::chrono::sys_seconds StateWriter::systemNow() {
     return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
 }
 
-HistoryFileRevision StateWriter::appendCheck(const CheckRecord& record) {
+HistoryAppend StateWriter::appendCheck(const CheckRecord& record) {
     return appendHistoryLine(rootURL_, HistoryKind::Website, record.siteID, historyLine(record));
 }
 
-HistoryFileRevision StateWriter::appendProviderCheck(const ProviderCheckRecord& record) {
+HistoryAppend StateWriter::appendProviderCheck(const ProviderCheckRecord& record) {
     return appendHistoryLine(rootURL_, HistoryKind::Provider, record.providerID, historyLine(record));
 }
 

@@ -17,8 +17,8 @@ public:
     explicit StateWriter(std::filesystem::path rootURL, Now now = systemNow);
     [[nodiscard]] const std::filesystem::path& rootURL() const { return rootURL_; }
 
-    HistoryFileRevision appendCheck(const CheckRecord& record) override;
-    HistoryFileRevision appendProviderCheck(const ProviderCheckRecord& record) override;
+    HistoryAppend appendCheck(const CheckRecord& record) override;
+    HistoryAppend appendProviderCheck(const ProviderCheckRecord& record) override;
     std::optional<std::filesystem::path> saveConfiguration(
         const SiteConfiguration& configuration, Backup backup) override;
 

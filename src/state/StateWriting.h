@@ -1,9 +1,9 @@
 #pragma once
 
 #include "model/CheckRecord.h"
-#include "model/HistoryFileRevision.h"
 #include "model/ProviderCheckRecord.h"
 #include "model/SiteConfiguration.h"
+#include "state/HistoryAppend.h"
 
 #include <filesystem>
 #include <optional>
@@ -16,9 +16,9 @@ enum class Backup { Make, None };
 struct StateWriting {
     virtual ~StateWriting() = default;
 
-    /// Appends the record to its target's history file and returns the file's revision after the write.
-    virtual HistoryFileRevision appendCheck(const CheckRecord& record) = 0;
-    virtual HistoryFileRevision appendProviderCheck(const ProviderCheckRecord& record) = 0;
+    /// Appends the record to its target's history file and returns the file's revisions before and after.
+    virtual HistoryAppend appendCheck(const CheckRecord& record) = 0;
+    virtual HistoryAppend appendProviderCheck(const ProviderCheckRecord& record) = 0;
 
     /// Replaces "sites.json". Returns the path of the backup of the former file, when one was asked for and there
     /// was a file.

@@ -30,20 +30,20 @@ public:
         appendFailure_ = std::move(message);
     }
 
-    HistoryFileRevision appendCheck(const CheckRecord& record) override {
+    HistoryAppend appendCheck(const CheckRecord& record) override {
         failWhenDue();
-        const HistoryFileRevision revision = real_.appendCheck(record);
+        const HistoryAppend append = real_.appendCheck(record);
         appended.push_back("website " + record.siteID + " " + record.timestamp);
         if (onAppend) onAppend(record.timestamp);
-        return revision;
+        return append;
     }
 
-    HistoryFileRevision appendProviderCheck(const ProviderCheckRecord& record) override {
+    HistoryAppend appendProviderCheck(const ProviderCheckRecord& record) override {
         failWhenDue();
-        const HistoryFileRevision revision = real_.appendProviderCheck(record);
+        const HistoryAppend append = real_.appendProviderCheck(record);
         appended.push_back("service " + record.providerID + " " + record.timestamp);
         if (onAppend) onAppend(record.timestamp);
-        return revision;
+        return append;
     }
 
     std::optional<std::filesystem::path> saveConfiguration(

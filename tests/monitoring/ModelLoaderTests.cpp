@@ -10,7 +10,7 @@ const std::string stoppedMessage = "Kestrin stopped loading monitor data.";
 class ModelLoading : public MonitorTest {
 protected:
     [[nodiscard]] AppModelLoadResult loadOnce(const std::stop_token& stop = {}) const {
-        return ModelLoader(reader, customProviders, services).load(stop);
+        return ModelLoader(reader, customProviders, services).load({}, stop);
     }
 
     [[nodiscard]] static std::string failureOf(const AppModelLoadResult& result) {

@@ -8,6 +8,7 @@
 #include "state/StateWriter.h"
 #include "state/ThrownMessage.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -48,7 +49,7 @@ class AppendingHistory : public testing::Test {
 protected:
     AppendingHistory() { root.write("sites.json", "{}"); }
 
-    HistoryFileRevision append(const std::string& line) const {
+    HistoryAppend append(const std::string& line) const {
         return appendHistoryLine(root.path(), HistoryKind::Website, "site-1", line);
     }
     template <class Error> [[nodiscard]] std::string refusal(const std::string& line = "new") const {
@@ -88,9 +89,10 @@ TEST(AHistoryLine, hasTheFieldsOfAServiceCheckInTheirOrder) {
 
 TEST_F(AppendingHistory, beginsAFileWithItsDirectories) {
     StateWriter writer(root.path());
-    const HistoryFileRevision revision = writer.appendCheck(check);
+    const HistoryAppend begun = writer.appendCheck(check);
     EXPECT_EQ(TemporaryDirectory::contentOf(file), std::string(checkLine) + "\n");
-    EXPECT_EQ(revision, fileRevision(file, MissingFile::Refused));
+    EXPECT_EQ(begun.before, HistoryFileRevision());
+    EXPECT_EQ(begun.after, fileRevision(file, MissingFile::Refused));
     writer.appendProviderCheck(providerCheck);
     EXPECT_EQ(root.read("data/providers/claude.jsonl"), historyLine(providerCheck) + "\n");
     EXPECT_THAT(root.entries(),
@@ -98,16 +100,27 @@ TEST_F(AppendingHistory, beginsAFileWithItsDirectories) {
 }
 
 TEST_F(AppendingHistory, addsBehindWhatIsThere) {
-    append("first");
-    const HistoryFileRevision revision = append("second");
+    const HistoryAppend first = append("first");
+    const HistoryAppend second = append("second");
     EXPECT_EQ(TemporaryDirectory::contentOf(file), "first\nsecond\n");
-    EXPECT_EQ(revision, fileRevision(file, MissingFile::Refused));
-    EXPECT_EQ(revision.byteCount, 13);
+    EXPECT_EQ(second.before, first.after);
+    EXPECT_EQ(second.after, fileRevision(file, MissingFile::Refused));
+    EXPECT_EQ(second.after.byteCount, 13);
+}
+
+TEST_F(AppendingHistory, findsWhatAnotherProgramHasAdded) {
+    const HistoryAppend first = append("first");
+    std::ofstream(file, std::ios::app) << "theirs\n";
+    const HistoryFileRevision theirs = fileRevision(file, MissingFile::Refused);
+    const HistoryAppend second = append("second");
+    EXPECT_NE(second.before, first.after);
+    EXPECT_EQ(second.before, theirs);
+    EXPECT_EQ(TemporaryDirectory::contentOf(file), "first\ntheirs\nsecond\n");
 }
 
 TEST_F(AppendingHistory, sealsALineThatACrashLeftUnfinished) {
     root.write("data/site-1.jsonl", "whole\ntorn");
-    EXPECT_EQ(append("new").byteCount, 15);
+    EXPECT_EQ(append("new").after.byteCount, 15);
     EXPECT_EQ(TemporaryDirectory::contentOf(file), "whole\ntorn\nnew\n");
 }
 
@@ -126,7 +139,7 @@ TEST_F(AppendingHistory, keepsTheFormerBytesWhateverTheyAre) {
 
 TEST_F(AppendingHistory, acceptsALineOfExactlyTheLimitAndRefusesOneByteMore) {
     const std::string line(maximumHistoryLineBytes, 'x');
-    EXPECT_EQ(append(line).byteCount, 8'388'609);
+    EXPECT_EQ(append(line).after.byteCount, 8'388'609);
     EXPECT_EQ(refusal<StateWriteError>(line + "x"), "Kestrin refused an oversized history record.");
     EXPECT_EQ(fs::file_size(file), 8'388'609u);
 }

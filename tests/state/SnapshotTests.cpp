@@ -74,7 +74,7 @@ TEST_F(LoadingSnapshots, equalsTheFoldOfTheSameRecords) {
         history.append(check(n));
         providerHistory.append(providerCheck(n));
         const HistoryFileRevision revision = writer.appendCheck(check(n)).after;
-        const HistoryFileRevision providerRevision = writer.appendProviderCheck(providerCheck(n));
+        const HistoryFileRevision providerRevision = writer.appendProviderCheck(providerCheck(n)).after;
         EXPECT_EQ(reader.loadSiteSnapshots({site("a")})[0],
             (SiteSnapshot{.site = site("a"), .history = history, .historyRevision = revision}))
             << n;
