@@ -159,7 +159,9 @@ class DesktopTest(unittest.TestCase):
 
     def write_sites(self, *patterns, names=None, interval=3600):
         """Writes "sites.json" beside itself and moves it in, as an editor does. `names` are shown instead."""
-        chosen = scenarios.selected(patterns)
+        return self.write_scenarios(scenarios.selected(patterns), names, interval)
+
+    def write_scenarios(self, chosen, names=None, interval=3600):
         sites = [{"id": s.id, "name": (names or {}).get(s.id, s.id), "url": s.url, "enabled": True} for s in chosen]
         self.put_sites_file(json.dumps({"sites": sites, "interval_seconds": interval}, ensure_ascii=False))
         return [s.id for s in chosen]

@@ -22,7 +22,7 @@ class OneCycleOverEverySite(desktop_test.DesktopTest):
         self.assert_history_as_expected("--lines", "1")
         self.assertEqual(logs.canary_calls(), [], "somebody reached a private address")
         # The crowd keeps both places taken, and the servers never see a third visitor.
-        self.assertEqual(most_visitors(), 2)
+        self.assertEqual(logs.most_visitors(), 2)
         self.assertIn("Monitoring active", self.texts())
 
 
@@ -37,19 +37,6 @@ class StartingByTheIcon(desktop_test.DesktopTest):
         self.wait_for_text("Monitoring active")
         self.assertEqual(accessible.find(self.application(), "Start", "push button"), None)
         self.assert_history_as_expected("--lines", "1")
-
-
-def most_visitors():
-    """The most connections that all servers together held at one moment."""
-    moments = [(event["at"], {"open": 1, "close": -1}.get(event["event"], 0)) for event in logs.events("requests")]
-    for event in logs.events("nginx"):
-        moments += [(float(event["ended"]) - float(event["took"]), 1), (float(event["ended"]), -1)]
-    # Times are told in milliseconds: of two at one moment the end is taken to have come first.
-    most = present = 0
-    for _, change in sorted(moments):
-        present += change
-        most = max(most, present)
-    return most
 
 
 if __name__ == "__main__":

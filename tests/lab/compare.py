@@ -72,10 +72,11 @@ def main():
                            help="identifiers or groups; else the sites of \"sites.json\"")
     arguments.add_argument("--lines", type=int, metavar="COUNT", help="how many lines each history must have")
     given = arguments.parse_args()
-    chosen = scenarios.selected(given.only)
-    if not given.only:
-        configured = {site["id"] for site in json.loads((given.directory / "sites.json").read_text())["sites"]}
-        chosen = [scenario for scenario in chosen if scenario.id in configured]
+    if given.only:
+        chosen = scenarios.selected(given.only)
+    else:
+        configured = json.loads((given.directory / "sites.json").read_text())["sites"]
+        chosen = [scenario for site in configured if (scenario := scenarios.of_site(site["id"]))]
     wrong = 0
     for scenario in chosen:
         found = differences(given.directory, scenario, given.lines)

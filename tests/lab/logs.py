@@ -28,3 +28,16 @@ def most_in_flight(root=None):
         present += {"open": 1, "close": -1}.get(event["event"], 0)
         most = max(most, present)
     return most
+
+
+def most_visitors(root=None):
+    """The most connections that all servers together held at one moment."""
+    moments = [(event["at"], {"open": 1, "close": -1}.get(event["event"], 0)) for event in events("requests", root)]
+    for event in events("nginx", root):
+        moments += [(float(event["ended"]) - float(event["took"]), 1), (float(event["ended"]), -1)]
+    # Times are told in milliseconds: of two at one moment the end is taken to have come first.
+    most = present = 0
+    for _, change in sorted(moments):
+        present += change
+        most = max(most, present)
+    return most

@@ -115,6 +115,24 @@ class Comparing(unittest.TestCase):
         done = self.compare("--only", "*")
         self.assertEqual(done.returncode, 0, done.stdout)
 
+    def test_copies_are_compared_with_the_line_of_their_original(self):
+        chosen = scenarios.everything_at_once(200, 1000)
+        self.assertEqual((len(chosen), len({scenario.id for scenario in chosen})), (200, 200))
+        sites = [{"id": scenario.id, "name": "Any", "url": scenario.url} for scenario in chosen]
+        (self.state / "sites.json").write_text(json.dumps({"sites": sites}))
+        for scenario in chosen:
+            if scenario.expected.in_history:
+                self.write(scenario, line_as_expected(scenario))
+        done = self.compare("--lines", "1")
+        self.assertEqual((done.returncode, done.stdout), (0, "200 of 200 sites are as expected\n"))
+        (copy,) = [scenario for scenario in chosen if scenario.id == "silent__2"]
+        self.write(copy, line_as_expected(copy) | {"site_id": "silent"})
+        self.assertIn("site_id: expected 'silent__2', found 'silent'", self.compare().stdout)
+
+    def test_a_choice_of_sites_keeps_to_the_number_that_may_be_patient(self):
+        waits = [s.id for s in scenarios.everything_at_once(300, 2) if s.expected.at_least_ms >= scenarios.PATIENT_MS]
+        self.assertEqual(waits, ["dark", "handshake-silent"])
+
     def test_every_field_that_differs_is_told(self):
         (scenario,) = scenarios.selected(["drips-in-time"])
         wrong = {"timestamp": "now", "site_id": "x", "url": "https://x/", "dns_ok": False, "ips": [],
