@@ -1,12 +1,10 @@
 #include "http/CurlTransport.h"
 
 #include "http/CurlHop.h"
-#include "http/SystemNameResolver.h"
 #include "http/TransferFailure.h"
 
 #include <curl/curl.h>
 
-#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -52,23 +50,25 @@ CurlTransport::CurlTransport(std::vector<std::filesystem::path> trustBundles, Pr
     curl_global_init(CURL_GLOBAL_DEFAULT);
 }
 
+std::optional<std::string> CurlTransport::proxyHostFor(const std::string& host) const {
+    const auto proxy = proxySettings_.proxyFor(host);
+    if (!proxy || !*proxy) return std::nullopt;
+    return (*proxy)->host;
+}
+
 std::expected<HTTPHopResponse, HTTPHopError> CurlTransport::perform(
     const HTTPHopRequest& request, std::stop_token stop) {
     if (stop.stop_requested()) return std::unexpected(HTTPHopError{Kind::Cancelled, {}});
-    const auto begin = std::chrono::steady_clock::now();
     const auto proxy = proxySettings_.proxyFor(request.host);
     if (!proxy) return transportError(sentences::requestFailed);
-    HTTPHopRequest rest = request;
     std::optional<CurlHop::ProxyRoute> route;
     if (proxy->has_value()) {
-        const DNSResolution resolution = SystemNameResolver().resolve((*proxy)->host);
-        if (!resolution.ok) return transportError(sentences::requestFailed);
-        route = CurlHop::ProxyRoute{**proxy, resolution.ips};
-        rest.totalTimeout -= std::chrono::ceil<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin);
+        if (request.proxyAddresses.empty()) return transportError(sentences::requestFailed);
+        route = CurlHop::ProxyRoute{**proxy, request.proxyAddresses};
     }
 
     const auto trusted = trustStore_.current();
-    CurlHop hop(rest, route, trusted.get());
+    CurlHop hop(request, route, trusted.get());
     if (!hop.ready()) return std::unexpected(HTTPHopError{Kind::RefusedDestination, {}});
     const TransferLoop::Result result = hop.loop().run(hop.handle(), stop);
     switch (result.end) {

@@ -5,6 +5,8 @@
 #include "http/TrustStore.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace kestrin {
@@ -19,6 +21,7 @@ public:
     CurlTransport();
     explicit CurlTransport(std::vector<std::filesystem::path> trustBundles, ProxySettings proxySettings = {});
 
+    [[nodiscard]] std::optional<std::string> proxyHostFor(const std::string& host) const override;
     [[nodiscard]] std::expected<HTTPHopResponse, HTTPHopError> perform(
         const HTTPHopRequest& request, std::stop_token stop) override;
 

@@ -23,9 +23,10 @@ struct HTTPHopRequest {
     std::uint16_t port = 443;
     std::string target; ///< path and query as they go over the wire: printable ASCII from its "/" on
     std::vector<HTTPHeader> headers;
-    std::vector<std::string> addresses; ///< numeric, all judged; empty refuses the request
-    bool headersOnly = false;           ///< end at the response's head, whatever body is declared
-    std::int64_t maximumBodyBytes = 0;  ///< exactly so many bytes still pass; not looked at with `headersOnly`
+    std::vector<std::string> addresses;      ///< numeric, all judged; empty refuses the request
+    std::vector<std::string> proxyAddresses; ///< numeric; where the proxy is, if the request goes through one
+    bool headersOnly = false;                ///< end at the response's head, whatever body is declared
+    std::int64_t maximumBodyBytes = 0;       ///< exactly so many bytes still pass; not looked at with `headersOnly`
     std::chrono::milliseconds inactivityTimeout{0}; ///< longest wait without a sign of the server
     std::chrono::milliseconds totalTimeout{0};      ///< what is left for the whole resource, connecting included
 };

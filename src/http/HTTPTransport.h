@@ -3,7 +3,9 @@
 #include "http/HTTPHop.h"
 
 #include <expected>
+#include <optional>
 #include <stop_token>
+#include <string>
 
 namespace kestrin {
 
@@ -13,6 +15,10 @@ namespace kestrin {
 class HTTPTransport {
 public:
     virtual ~HTTPTransport() = default;
+
+    /// The host (no brackets) of the proxy that a request to `host` goes through; nothing for a direct connection.
+    /// Who calls `perform` finds its addresses first, since a resolution cannot be stopped.
+    [[nodiscard]] virtual std::optional<std::string> proxyHostFor(const std::string& host) const = 0;
 
     [[nodiscard]] virtual std::expected<HTTPHopResponse, HTTPHopError> perform(
         const HTTPHopRequest& request, std::stop_token stop) = 0;

@@ -33,6 +33,7 @@ using HopResult = std::expected<HTTPHopResponse, HTTPHopError>;
 
 constexpr std::chrono::milliseconds resourceAllowance = 2s;
 constexpr const char* timedOut = "The request timed out.";
+constexpr const char* proxyNotFound = "The request failed.";
 
 Instant resourceDeadline(Instant start, std::chrono::milliseconds timeout) {
     const auto room = std::chrono::floor<std::chrono::milliseconds>(Instant::max() - start) - resourceAllowance;
@@ -102,6 +103,8 @@ public:
         for (int redirectCount = 0;;) {
             if (context.isCancelled()) throw CancellationError();
             HTTPHopRequest hop = hopRequest(request, policy, target, std::move(addresses));
+            auto locating = locateProxy(shared, hop.host, deadline);
+            hop.proxyAddresses = co_await std::move(locating);
             auto transferring = transfer(shared, std::move(hop), deadline);
             HopResult result = co_await std::move(transferring);
             if (!result) throwFailure(result.error(), policy, target);
@@ -132,6 +135,17 @@ private:
         std::optional<DNSResolution> resolution = co_await std::move(resolving);
         if (!resolution) throw TransportError(timedOut);
         co_return judgedAddresses(url, std::move(*resolution));
+    }
+
+    /// Nothing without a proxy. Its own addresses are not judged: a proxy usually stands in the private network.
+    static Task<std::vector<std::string>> locateProxy(SharedState shared, std::string host, Instant deadline) {
+        std::optional<std::string> proxy = shared->services.transport.proxyHostFor(host);
+        if (!proxy) co_return std::vector<std::string>();
+        auto resolving = shared->services.resolver.resolveHostUntil(std::move(*proxy), deadline);
+        std::optional<DNSResolution> resolution = co_await std::move(resolving);
+        if (!resolution) throw TransportError(timedOut);
+        if (!resolution->ok) throw TransportError(proxyNotFound);
+        co_return std::move(resolution->ips);
     }
 
     static Task<HopResult> transfer(SharedState shared, HTTPHopRequest hop, Instant deadline) {

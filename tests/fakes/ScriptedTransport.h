@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -46,6 +47,9 @@ public:
         answer(host, std::move(given));
     }
 
+    std::optional<std::string> proxyHost; ///< set before the first request
+
+    [[nodiscard]] std::optional<std::string> proxyHostFor(const std::string&) const override { return proxyHost; }
     [[nodiscard]] std::expected<HTTPHopResponse, HTTPHopError> perform(
         const HTTPHopRequest& request, std::stop_token stop) override {
         Answer answer = take(request);

@@ -70,6 +70,13 @@ private:
     LoopbackServer server_;
 };
 
+/// What who calls a transport sends when its proxy was found.
+HTTPHopRequest requestThroughProxy(const TrustedSite& site) {
+    HTTPHopRequest request = site.request(443);
+    request.proxyAddresses = {"127.0.0.1"};
+    return request;
+}
+
 const auto reply = test::answering("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
 
 TEST(GoingThroughAProxy, asksItForTheNameAndContactsNobodyElse) {
@@ -79,6 +86,7 @@ TEST(GoingThroughAProxy, asksItForTheNameAndContactsNobodyElse) {
     CurlTransport transport({site.bundle.path()}, ProxySettings(proxy.address()));
     auto request = site.request(443);
     request.addresses = {"203.0.113.7"}; // leads nowhere
+    request.proxyAddresses = {"127.0.0.1"};
     request.headers = {{"User-Agent", "for the site only"}};
     EXPECT_EQ(sentenceOf(transport.perform(request, {})), "response with status 200");
     EXPECT_TRUE(proxy.head().starts_with("CONNECT site.test:443 HTTP/1.1\r\n")) << proxy.head();
@@ -86,13 +94,22 @@ TEST(GoingThroughAProxy, asksItForTheNameAndContactsNobodyElse) {
     EXPECT_EQ(proxy.connections(), 1);
 }
 
-TEST(GoingThroughAProxy, findsItByName) {
+TEST(GoingThroughAProxy, findsItWhereItsNameWasResolvedTo) {
     TrustedSite site;
     const TLSServer server(site.authority.issue(), reply);
     ConnectProxy proxy(server.port());
     const std::string port = proxy.address().substr(proxy.address().find(':'));
-    CurlTransport transport({site.bundle.path()}, ProxySettings("http://localhost" + port));
-    EXPECT_EQ(sentenceOf(transport.perform(site.request(443), {})), "response with status 200");
+    CurlTransport transport({site.bundle.path()}, ProxySettings("http://proxy.test" + port));
+    EXPECT_EQ(transport.proxyHostFor("site.test"), "proxy.test");
+    EXPECT_EQ(sentenceOf(transport.perform(requestThroughProxy(site), {})), "response with status 200");
+}
+
+TEST(GoingThroughAProxy, failsWithoutAnAddressOfIt) {
+    TrustedSite site;
+    const TLSServer server(site.authority.issue(), reply);
+    CurlTransport transport({site.bundle.path()}, ProxySettings("http://proxy.test:1"));
+    EXPECT_EQ(sentenceOf(transport.perform(site.request(server.port()), {})), "The request failed.");
+    EXPECT_EQ(server.connections(), 0);
 }
 
 TEST(GoingThroughAProxy, signsInAsItsUserWrote) {
@@ -100,7 +117,7 @@ TEST(GoingThroughAProxy, signsInAsItsUserWrote) {
     const TLSServer server(site.authority.issue(), reply);
     ConnectProxy proxy(server.port());
     CurlTransport transport({site.bundle.path()}, ProxySettings("http://user:word@" + proxy.address()));
-    EXPECT_EQ(sentenceOf(transport.perform(site.request(443), {})), "response with status 200");
+    EXPECT_EQ(sentenceOf(transport.perform(requestThroughProxy(site), {})), "response with status 200");
     EXPECT_NE(proxy.head().find("Proxy-Authorization: Basic dXNlcjp3b3Jk\r\n"), std::string::npos) << proxy.head();
 }
 
@@ -109,7 +126,8 @@ TEST(GoingThroughAProxy, stillJudgesTheServersCertificate) {
     const TLSServer server(test::TestAuthority::selfSigned(), reply);
     const ConnectProxy proxy(server.port());
     CurlTransport transport({site.bundle.path()}, ProxySettings(proxy.address()));
-    EXPECT_EQ(sentenceOf(transport.perform(site.request(443), {})), "The server certificate is not trusted.");
+    EXPECT_EQ(
+        sentenceOf(transport.perform(requestThroughProxy(site), {})), "The server certificate is not trusted.");
 }
 
 TEST(GoingThroughAProxy, failsWhenItRefusesOrIsAway) {
@@ -119,10 +137,10 @@ TEST(GoingThroughAProxy, failsWhenItRefusesOrIsAway) {
         const ConnectProxy refusing(1, "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
         address = refusing.address();
         CurlTransport transport({site.bundle.path()}, ProxySettings(address));
-        EXPECT_EQ(sentenceOf(transport.perform(site.request(443), {})), "The request failed.");
+        EXPECT_EQ(sentenceOf(transport.perform(requestThroughProxy(site), {})), "The request failed.");
     }
     CurlTransport transport({site.bundle.path()}, ProxySettings(address));
-    EXPECT_EQ(sentenceOf(transport.perform(site.request(443), {})), "The connection was refused.");
+    EXPECT_EQ(sentenceOf(transport.perform(requestThroughProxy(site), {})), "The connection was refused.");
 }
 
 TEST(GoingThroughAProxy, neverGoesAroundOneThatMakesNoSense) {
@@ -140,6 +158,7 @@ TEST(GoingThroughAProxy, leavesExceptionsToADirectConnection) {
     const TLSServer server(site.authority.issue(), reply);
     const ConnectProxy proxy(server.port());
     CurlTransport transport({site.bundle.path()}, ProxySettings(proxy.address(), ProxyExceptions("site.test")));
+    EXPECT_EQ(transport.proxyHostFor("site.test"), std::nullopt);
     EXPECT_EQ(sentenceOf(transport.perform(site.request(server.port()), {})), "response with status 200");
     EXPECT_EQ(proxy.connections(), 0);
 }
