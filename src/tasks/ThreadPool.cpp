@@ -12,11 +12,12 @@
 namespace kestrin {
 
 struct ThreadPool::State {
-    State(std::size_t maximum, std::chrono::milliseconds idleBeforeEnd)
-        : maximumThreads(maximum), idleTime(idleBeforeEnd) {}
+    State(std::size_t maximum, std::chrono::milliseconds idleBeforeEnd, std::size_t standing)
+        : maximumThreads(maximum), idleTime(idleBeforeEnd), standingThreads(standing) {}
 
     const std::size_t maximumThreads;
     const std::chrono::milliseconds idleTime;
+    const std::size_t standingThreads;
     std::mutex mutex;
     std::condition_variable workArrived;
     std::condition_variable workEnded;
@@ -33,7 +34,7 @@ struct ThreadPool::State {
             if (waiting.empty() && !closed) {
                 ++idle;
                 workEnded.notify_all();
-                workArrived.wait_for(lock, idleTime, [this] { return !waiting.empty() || closed; });
+                waitForWork(lock);
                 --idle;
             }
             if (waiting.empty()) break;
@@ -49,6 +50,17 @@ struct ThreadPool::State {
         workEnded.notify_all();
     }
 
+    /// Comes back without work to a thread that is one too many.
+    void waitForWork(std::unique_lock<std::mutex>& lock) {
+        const auto isOver = [this] { return !waiting.empty() || closed; };
+        while (!isOver()) {
+            if (threads <= standingThreads)
+                workArrived.wait(lock, isOver);
+            else if (!workArrived.wait_for(lock, idleTime, isOver) && threads > standingThreads)
+                return;
+        }
+    }
+
     /// Sees threads that are on their way out to their end, so that none runs its last lines beside the process's.
     static void join(std::vector<std::thread> threadsToJoin) {
         for (std::thread& thread : threadsToJoin)
@@ -56,8 +68,12 @@ struct ThreadPool::State {
     }
 };
 
-ThreadPool::ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime)
-    : state_(std::make_shared<State>(maximumThreads, idleTime)) {}
+ThreadPool::ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime, std::size_t standingThreads)
+    : state_(std::make_shared<State>(maximumThreads, idleTime, standingThreads)) {
+    const std::lock_guard guard(state_->mutex);
+    while (state_->threads < standingThreads)
+        startThread();
+}
 
 ThreadPool::~ThreadPool() {
     (void)shutDown(std::chrono::milliseconds(0));
@@ -79,19 +95,22 @@ void ThreadPool::hire(std::function<void()> work) {
         state_->workArrived.notify_one();
         return;
     }
-    ++state_->threads;
     try {
-        std::thread thread([state = state_] { state->serve(); });
-        const std::thread::id id = thread.get_id();
-        state_->running.emplace(id, std::move(thread));
+        startThread();
     } catch (const std::system_error&) {
         // No thread could be had: one that runs takes the work; with none there is nothing to wait for.
-        --state_->threads;
         if (state_->threads == 0) {
             state_->waiting.pop_back();
             throw;
         }
     }
+}
+
+void ThreadPool::startThread() {
+    std::thread thread([state = state_] { state->serve(); });
+    const std::thread::id id = thread.get_id();
+    state_->running.emplace(id, std::move(thread));
+    ++state_->threads;
 }
 
 bool ThreadPool::shutDown(std::chrono::milliseconds patience) {

@@ -13,12 +13,15 @@ namespace kestrin {
 /// stuck: such threads are left behind and touch nothing of the pool's owner, only what their work owns.
 class ThreadPool : public BlockingPool {
 public:
-    explicit ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime = std::chrono::seconds(1));
+    /// `standingThreads` are started here and stay; with at least one, `run` never fails for want of a thread.
+    /// Throws `std::system_error` when they cannot be had.
+    explicit ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime = std::chrono::seconds(1),
+        std::size_t standingThreads = 0);
     ~ThreadPool() override;
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
-    /// After `shutDown` began, work is dropped unrun.
+    /// After `shutDown` began, work is dropped unrun. Throws `std::system_error` when there is no thread at all.
     void run(std::function<void()> work) override;
 
     /// Takes no more work, drops what waits and waits at most `patience` for what runs. True when nothing is left
@@ -34,6 +37,7 @@ public:
 private:
     struct State;
     void hire(std::function<void()> work);
+    void startThread();
 
     std::shared_ptr<State> state_;
 };

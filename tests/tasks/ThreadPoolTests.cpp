@@ -197,6 +197,51 @@ TEST(APool, isIdleOnlyWhenNothingRunsAndNothingWaits) {
     EXPECT_EQ(pool.busyThreads(), 0u);
 }
 
+TEST(AStandingThread, runsEverythingThatComesOneByOne) {
+    ThreadPool pool(4, milliseconds(0), 1);
+    std::vector<std::thread::id> threads;
+    for (int i = 0; i < 50; ++i) {
+        Events ran;
+        pool.run([&] {
+            threads.push_back(std::this_thread::get_id());
+            ran.happen();
+        });
+        ASSERT_TRUE(ran.waitFor(1));
+        ASSERT_TRUE(pool.waitUntilIdle(generous));
+    }
+    EXPECT_EQ(threads, std::vector(50, threads.front()));
+}
+
+TEST(AStandingThread, remainsWhenThoseBesideItHaveEnded) {
+    ThreadPool pool(2, milliseconds(0), 1);
+    const auto ends = std::make_shared<Events>();
+    for (int round = 0; round < 2; ++round) {
+        Events started;
+        std::promise<void> goOn;
+        const auto signal = goOn.get_future().share();
+        for (int i = 0; i < 2; ++i)
+            pool.run([&started, signal, ends] {
+                endOfThread.events = ends;
+                started.happen();
+                signal.wait();
+            });
+        ASSERT_TRUE(started.waitFor(2));
+        goOn.set_value();
+        ASSERT_TRUE(ends->waitFor(round + 1));
+        EXPECT_EQ(ends->count(), round + 1);
+    }
+}
+
+TEST(AStandingThread, endsWithItsPool) {
+    const auto ends = std::make_shared<Events>();
+    ThreadPool pool(1, std::chrono::hours(1), 1);
+    pool.run([ends] { endOfThread.events = ends; });
+    ASSERT_TRUE(pool.waitUntilIdle(generous));
+    EXPECT_EQ(ends->count(), 0);
+    EXPECT_TRUE(pool.shutDown(generous));
+    EXPECT_EQ(ends->count(), 1);
+}
+
 TEST(AShutDownPool, dropsWorkUnrun) {
     ThreadPool pool(2);
     EXPECT_TRUE(pool.shutDown(noPatience));

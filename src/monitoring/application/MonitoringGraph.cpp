@@ -14,6 +14,9 @@ namespace {
 
 // Two checks of a kind are in flight at most, each with one transfer; the rest is for loads and the serial owners.
 constexpr std::size_t workThreads = 12;
+// Where no further thread can be had, checks go on one by one on this one.
+constexpr std::size_t standingThreads = 1;
+constexpr std::chrono::milliseconds idleTime = std::chrono::seconds(1);
 // Resolutions cannot be stopped: beside those in use there must be room for every one that may be left behind.
 constexpr std::size_t resolverThreads = BackgroundResolver::defaultMaximumAbandoned + 8;
 constexpr std::chrono::milliseconds shutdownPatience = std::chrono::seconds(2);
@@ -25,8 +28,8 @@ std::chrono::sys_seconds wallClockSeconds() {
 } // namespace
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
-    : pool_(workThreads), resolverPool_(resolverThreads), checkExecutor_(pool_), clientExecutor_(pool_),
-      writer_(stateRoot) {
+    : pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads), checkExecutor_(pool_),
+      clientExecutor_(pool_), writer_(stateRoot) {
     const BackgroundResolver resolver(
         resolverPool_, std::make_shared<SystemNameResolver>(), clock, shutdown_.get_token());
     transport_.emplace();
