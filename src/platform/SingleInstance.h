@@ -16,6 +16,11 @@ struct LaunchTokens {
     /// Reads and removes the variables, which a child process must not inherit. Before the application object is
     /// made, since Qt removes them too.
     [[nodiscard]] static LaunchTokens takeFromEnvironment();
+
+    /// The one that lets a window come forward, or an empty text.
+    [[nodiscard]] const std::string& forWindow() const {
+        return activationToken.empty() ? startupId : activationToken;
+    }
 };
 
 enum class Launch {

@@ -1,5 +1,6 @@
 #include "http/ProcessEnvironment.h"
 #include "monitoring/application/AppDelegate.h"
+#include "platform/InstanceLock.h"
 #include "platform/SessionBus.h"
 #include "platform/SingleInstance.h"
 #include "platform/StateLocations.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QSessionManager>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -65,6 +67,13 @@ int main(int argc, char** argv) {
 
     SingleInstance instance(bus);
     if (instance.acquire(tokens, launch) == SingleInstance::Result::Secondary) return EXIT_SUCCESS;
+    // A start without a bus, or on another one, cannot see the first there. Given up before the name on the bus, so
+    // that whoever gets the name finds the lock free.
+    InstanceLock lock(InstanceLock::place());
+    if (lock.acquire(tokens.forWindow()) == InstanceLock::Result::Taken) {
+        std::fputs("Kestrin is already running.\n", stderr);
+        return EXIT_SUCCESS;
+    }
 
     const std::expected<StateLocations, std::string> locations = StateLocations::find();
     if (!locations) return refuseToStart(locations.error());
@@ -79,9 +88,9 @@ int main(int argc, char** argv) {
     } catch (const std::exception& error) {
         return refuseToStart(error.what());
     }
-    instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
+    lock.onActivate = instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
     const int status = QApplication::exec();
-    instance.onActivate = nullptr;
+    lock.onActivate = instance.onActivate = nullptr;
     if (!delegate->shutDown()) {
         // A name resolution cannot be stopped, and its thread must not meet destroyed objects.
         ::_exit(status);

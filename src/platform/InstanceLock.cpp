@@ -1,0 +1,135 @@
+#include "platform/InstanceLock.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <optional>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+// An instance that has given up its name on the bus is a few system calls away from its end.
+constexpr std::chrono::milliseconds patience{500};
+constexpr std::chrono::milliseconds pause{10};
+constexpr std::size_t longestToken = 4096;
+
+bool isOwnDirectory(const std::filesystem::path& path) {
+    struct stat status{};
+    return path.is_absolute() && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::getuid() && ::access(path.c_str(), W_OK) == 0;
+}
+
+/// Anybody may plant a file among the temporary ones, and would hold the lock for as long as he likes.
+bool isOwnFile(int descriptor) {
+    struct stat status{};
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::getuid();
+}
+
+std::optional<sockaddr_un> socketAddress(const std::filesystem::path& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.native().size() >= sizeof address.sun_path) return std::nullopt;
+    std::memcpy(address.sun_path, path.c_str(), path.native().size());
+    return address;
+}
+
+int datagramSocket() {
+    return ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+}
+
+/// Whether the lock was had; errno tells why not.
+bool lockWithin(int descriptor, std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR) continue;
+        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) return false;
+        std::this_thread::sleep_for(pause);
+    }
+    return true;
+}
+
+} // namespace
+
+InstanceLock::InstanceLock(std::filesystem::path file)
+    : file_(std::move(file)), socketPath_(std::filesystem::path(file_).replace_extension("socket")) {}
+
+InstanceLock::~InstanceLock() {
+    notifier_.reset();
+    // The socket first: once the lock is free, another instance puts its own there.
+    if (socket_ >= 0) {
+        ::unlink(socketPath_.c_str());
+        ::close(socket_);
+    }
+    if (lock_ >= 0) ::close(lock_);
+}
+
+std::filesystem::path InstanceLock::place() {
+    const std::string name = "app.kestrin.Kestrin-" + std::to_string(::getuid()) + ".lock";
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    // A shell that another user opened may lack the variable while the session's directory is there.
+    for (const std::filesystem::path& directory : {std::filesystem::path(runtime ? runtime : ""),
+             "/run/user" / std::filesystem::path(std::to_string(::getuid()))})
+        if (isOwnDirectory(directory)) return directory / name;
+    return std::filesystem::path("/tmp") / name;
+}
+
+InstanceLock::Result InstanceLock::acquire(const std::string& activationToken) {
+    lock_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (lock_ >= 0 && isOwnFile(lock_)) {
+        if (lockWithin(lock_, patience)) {
+            listen();
+            return Result::Held;
+        }
+        if (errno == EWOULDBLOCK) {
+            callHolder(activationToken);
+            return Result::Taken;
+        }
+    }
+    return Result::Unavailable;
+}
+
+void InstanceLock::listen() {
+    const auto address = socketAddress(socketPath_);
+    if (!address) return;
+    socket_ = datagramSocket();
+    if (socket_ < 0) return;
+    // Whoever left this behind is gone, or we would not have the lock.
+    ::unlink(socketPath_.c_str());
+    if (::bind(socket_, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0) {
+        ::close(std::exchange(socket_, -1));
+        return;
+    }
+    ::chmod(socketPath_.c_str(), S_IRUSR | S_IWUSR);
+    notifier_ = std::make_unique<QSocketNotifier>(socket_, QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { receive(); });
+}
+
+void InstanceLock::receive() {
+    std::array<char, longestToken> token{};
+    const ssize_t size = ::recv(socket_, token.data(), token.size(), 0);
+    if (size < 0) return;
+    if (const auto callback = onActivate) callback(std::string(token.data(), static_cast<std::size_t>(size)));
+}
+
+void InstanceLock::callHolder(const std::string& activationToken) const {
+    const auto address = socketAddress(socketPath_);
+    const int descriptor = datagramSocket();
+    if (address && descriptor >= 0)
+        ::sendto(descriptor, activationToken.data(), std::min(activationToken.size(), longestToken), MSG_NOSIGNAL,
+            reinterpret_cast<const sockaddr*>(&*address), sizeof *address);
+    if (descriptor >= 0) ::close(descriptor);
+}
+
+} // namespace kestrin
