@@ -1,0 +1,61 @@
+#include "faults/Content.h"
+
+#include "state/HistoryAppending.h"
+#include "state/SiteConfigurationCoding.h"
+#include "json/JSONWriter.h"
+
+namespace kestrin {
+
+SiteConfiguration formerConfiguration() {
+    return {.sites = {{.id = "site-1", .name = "Former", .url = "https://former.example/"}},
+        .activeSiteID = "site-1",
+        .intervalSeconds = 300,
+        .providerStatus = {}};
+}
+
+SiteConfiguration newConfiguration() {
+    SiteConfiguration configuration = formerConfiguration();
+    configuration.sites[0].name = "New";
+    configuration.sites.push_back({.id = "site-2", .name = "Second", .url = "https://second.example/"});
+    configuration.intervalSeconds = 600;
+    return configuration;
+}
+
+CheckRecord siteCheck(const std::string& timestamp) {
+    return {.timestamp = timestamp,
+        .siteID = "site-1",
+        .url = "https://former.example/",
+        .dnsOK = true,
+        .ips = {"192.0.2.1"},
+        .httpStatus = 200,
+        .elapsedMS = 12,
+        .up = true,
+        .error = std::nullopt};
+}
+
+ProviderCheckRecord serviceCheck(const std::string& timestamp) {
+    return {.timestamp = timestamp,
+        .providerID = "claude",
+        .endpoint = "https://status.example/",
+        .httpStatus = 200,
+        .elapsedMS = 12,
+        .state = ProviderState::operational,
+        .summary = "All well",
+        .officialUpdatedAt = std::nullopt,
+        .error = std::nullopt,
+        .failureCategory = std::nullopt};
+}
+
+std::string fileOf(const SiteConfiguration& configuration) {
+    return writePretty(encodeSiteConfiguration(configuration));
+}
+
+std::string lineOf(const CheckRecord& record) {
+    return historyLine(record) + "\n";
+}
+
+std::string lineOf(const ProviderCheckRecord& record) {
+    return historyLine(record) + "\n";
+}
+
+} // namespace kestrin
