@@ -1,30 +1,18 @@
 #!/usr/bin/python3 -B
 """Surroundings that lack something: a session bus, a home directory, a state directory that can be written."""
 
-import contextlib
 import subprocess
 
 import accessible
 import desktop_test
+from busless import BuslessTest
 from desktop_test import PATIENCE
 from virtual_desktop import wait_until
 
 HOME_VARIABLES = ("HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME")
 
 
-class WithoutASessionBus(desktop_test.DesktopTest):
-    """Screen readers are found over the session bus, so here the keyboard drives the program. What it shows stands in
-    its own log: the accessibility library writes down every control that it would tell about."""
-
-    panel = False
-
-    def start_without_bus(self, address):
-        runtime = self.data / "runtime"
-        runtime.mkdir(mode=0o700)
-        self.start_program(environment={
-            "DBUS_SESSION_BUS_ADDRESS": address, "XDG_RUNTIME_DIR": str(runtime),
-            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_LOGGING_RULES": "qt.accessibility.cache=true"})
-
+class WithoutASessionBus(BuslessTest):
     def use_it(self, notice):
         self.wait_until_active()
         wait_until(lambda: f'name="{notice}" role=StaticText' in self.log.read_text(errors="replace"), PATIENCE,
@@ -34,20 +22,6 @@ class WithoutASessionBus(desktop_test.DesktopTest):
         self.assert_history_as_expected("--lines", "1")
         self.press_on_until(lambda: self.program.poll() is not None)
         self.assertEqual(self.exit_code(), 0)
-
-    def press_on_until(self, condition):
-        """Goes on to the next control and presses it, until one has that effect."""
-        for _ in range(12):
-            self.desktop.press_key("Tab")
-            self.desktop.press_key("space")
-            with contextlib.suppress(TimeoutError):
-                wait_until(condition, 4)
-                return
-        self.fail("no control had the effect")
-
-    def setUp(self):
-        super().setUp()
-        self.sites = self.write_sites("status-200", "status-503")
 
     def test_an_address_where_nobody_listens_is_told_and_checks_work(self):
         self.start_without_bus(f"unix:path={self.data}/nowhere")
@@ -59,6 +33,25 @@ class WithoutASessionBus(desktop_test.DesktopTest):
 
 
 class WithoutAHome(desktop_test.DesktopTest):
+    def test_places_that_are_set_are_used_without_a_word(self):
+        sites = self.write_sites("status-200")
+        self.start_program(without=("HOME",))
+        self.check(sites)
+
+    def test_without_a_place_for_data_it_lies_below_the_home_directory(self):
+        home = self.data / "home"
+        self.state = home / ".local/share/Kestrin"
+        sites = self.write_sites("status-200")
+        self.start_program(environment={"HOME": str(home)}, without=("XDG_DATA_HOME",))
+        self.check(sites)
+
+    def check(self, sites):
+        self.open_dashboard()
+        self.press("Check now")
+        self.wait_for_lines(sites, 1)
+        self.wait_for_text("HTTP 200")
+        self.assertEqual(self.texts()[:2], ["Kestrin", "Monitoring paused"])
+
     def test_the_reason_is_told_in_a_dialog_and_quit_ends_with_a_failure(self):
         self.start_program(without=HOME_VARIABLES, wait=False)
         self.wait_for_text("Your existing data was not removed or changed. "
