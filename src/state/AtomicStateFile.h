@@ -48,7 +48,7 @@ struct AtomicStateFile {
     /// Flushes a directory's entries to disk.
     static void syncDirectory(const std::filesystem::path& url);
 
-    /// Creates a file of mode 0600 that must not exist yet.
+    /// Creates a file of mode 0600 that must not exist yet. A failure leaves no part of it behind; a kill may.
     static void writeNewFile(std::string_view data, const std::filesystem::path& url, std::string_view message);
 
     /// Replaces `destination`, a child of `root`, by the value in its pretty form; the new file has mode 0600.

@@ -41,8 +41,9 @@ void AtomicStateFile::syncDirectory(const std::filesystem::path& url) {
 
 void AtomicStateFile::writeNewFile(
     std::string_view data, const std::filesystem::path& url, std::string_view message) {
-    const FileDescriptor file = FileDescriptor::open(url, O_WRONLY | O_CREAT | O_EXCL, ownerOnly);
-    writeAllAndSync(data, file.get(), message);
+    TemporaryFile file(url, ownerOnly);
+    writeAllAndSync(data, file.descriptor(), message);
+    file.keep();
 }
 
 void AtomicStateFile::replaceFile(const JSONValue& value, const std::filesystem::path& destination,

@@ -28,6 +28,8 @@ bool rootExists(const std::filesystem::path& root) {
 std::filesystem::directory_iterator entries(const std::filesystem::path& directory) {
     std::error_code error;
     std::filesystem::directory_iterator iterator(directory, error);
+    while (error == std::errc::interrupted)
+        iterator = std::filesystem::directory_iterator(directory, error);
     if (error) throw POSIXError(error.value());
     return iterator;
 }

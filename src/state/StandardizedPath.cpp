@@ -2,9 +2,30 @@
 
 #include "state/StateErrors.h"
 
-#include <system_error>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
 
 namespace kestrin {
+
+namespace {
+
+constexpr mode_t defaultMode = 0777;
+
+/// Whether a directory, or a link to one, is there. Throws when something else is.
+bool isDirectory(const std::filesystem::path& path) {
+    struct stat status{};
+    // The empty path stands above a relative one, for the directory one is in.
+    if (::stat(path.empty() ? "." : path.c_str(), &status) != 0) {
+        if (errno == ENOENT) return false;
+        throwPOSIXError();
+    }
+    if (!S_ISDIR(status.st_mode)) throw POSIXError(ENOTDIR);
+    return true;
+}
+
+} // namespace
 
 std::filesystem::path standardizedPath(const std::filesystem::path& path) {
     std::filesystem::path standardized = path.lexically_normal();
@@ -13,10 +34,18 @@ std::filesystem::path standardizedPath(const std::filesystem::path& path) {
     return standardized;
 }
 
-void createDirectories(const std::filesystem::path& path) {
-    std::error_code error;
-    std::filesystem::create_directories(standardizedPath(path), error);
-    if (error) throw POSIXError(error.value());
+// Not the standard library's: that one takes an error of looking at a parent for a parent that is there.
+std::vector<std::filesystem::path> createDirectories(const std::filesystem::path& path) {
+    std::vector<std::filesystem::path> missing;
+    for (std::filesystem::path next = standardizedPath(path); !isDirectory(next); next = next.parent_path())
+        missing.push_back(next);
+    std::ranges::reverse(missing);
+    for (const std::filesystem::path& directory : missing) {
+        if (::mkdir(directory.c_str(), defaultMode) == 0) continue;
+        const int code = errno;
+        if (code != EEXIST || !isDirectory(directory)) throw POSIXError(code); // another program may have made it
+    }
+    return missing;
 }
 
 } // namespace kestrin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <vector>
 
 namespace kestrin {
 
@@ -8,8 +9,8 @@ namespace kestrin {
 /// system follow a link.
 [[nodiscard]] std::filesystem::path standardizedPath(const std::filesystem::path& path);
 
-/// Makes a directory of default attributes with its intermediate directories, unless it is there. Throws
-/// `POSIXError`. A link to a directory counts as one.
-void createDirectories(const std::filesystem::path& path);
+/// Makes a directory of default attributes with its intermediate directories, unless it is there, and returns those
+/// that it made, outermost first. Throws `POSIXError`. A link to a directory counts as one.
+std::vector<std::filesystem::path> createDirectories(const std::filesystem::path& path);
 
 } // namespace kestrin

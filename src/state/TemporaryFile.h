@@ -6,7 +6,7 @@
 
 namespace kestrin {
 
-/// A new file under a temporary name. It is removed again unless it has been renamed to its final name.
+/// A new file that is removed again unless it has been renamed to its final name or kept under the one it has.
 class TemporaryFile {
 public:
     /// Creates the file exclusively; throws `POSIXError`. `mode` is lessened by the umask.
@@ -17,6 +17,7 @@ public:
 
     [[nodiscard]] int descriptor() const { return file_.get(); }
 
+    void keep() { removeOnExit_ = false; }
     /// Replaces what bears that name.
     void renameTo(const std::filesystem::path& destination);
     /// Throws `POSIXError` with `EEXIST` when the name is taken.
