@@ -13,13 +13,17 @@ constexpr std::size_t maximumGathered = maximumHistoryLineBytes + 1;
 
 void HistoryLineSplitter::take(std::string_view chunk) {
     while (!chunk.empty()) {
+        const bool atLine = gatheredSize_ == 0 && !oversized_;
+        if (atLine) {
+            chunk.remove_prefix(sink_.takeWholeLines(chunk));
+            if (chunk.empty()) return;
+        }
         const std::size_t end = chunk.find('\n');
         if (end == std::string_view::npos) return gather(chunk);
-        const std::string_view line = chunk.substr(0, end);
-        if (gatheredSize_ == 0 && !oversized_) {
-            handOn(line);
+        if (atLine) {
+            handOn(chunk.substr(0, end));
         } else {
-            gather(line);
+            gather(chunk.substr(0, end));
             endGatheredLine();
         }
         chunk.remove_prefix(end + 1);
@@ -27,7 +31,7 @@ void HistoryLineSplitter::take(std::string_view chunk) {
 }
 
 void HistoryLineSplitter::finish() {
-    endGatheredLine();
+    if (!oversized_) handOn({gathered_.data(), gatheredSize_});
 }
 
 void HistoryLineSplitter::gather(std::string_view segment) {
@@ -38,14 +42,18 @@ void HistoryLineSplitter::gather(std::string_view segment) {
         gatheredSize_ = 0;
         return;
     }
-    if (gathered_.size() < size + historyLinePadding)
-        gathered_.resize(std::max(size + historyLinePadding, 2 * gathered_.size()));
+    const std::size_t needed = size + sizeof '\n' + historyLinePadding;
+    if (gathered_.size() < needed) gathered_.resize(std::max(needed, 2 * gathered_.size()));
     std::ranges::copy(segment, gathered_.begin() + static_cast<std::ptrdiff_t>(gatheredSize_));
     gatheredSize_ = size;
 }
 
 void HistoryLineSplitter::endGatheredLine() {
-    if (!oversized_) handOn({gathered_.data(), gatheredSize_});
+    if (!oversized_) {
+        gathered_[gatheredSize_] = '\n';
+        if (sink_.takeWholeLines({gathered_.data(), gatheredSize_ + 1}) == 0)
+            handOn({gathered_.data(), gatheredSize_});
+    }
     oversized_ = false;
     gatheredSize_ = 0;
 }

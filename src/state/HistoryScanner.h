@@ -18,9 +18,17 @@ inline constexpr std::size_t maximumHistoryLineBytes = 8'388'608;
 /// The readable bytes behind every line that a sink gets; what they hold means nothing.
 inline constexpr std::size_t historyLinePadding = 64;
 
-/// Takes the lines of a history file one by one.
+/// Takes the lines of a history file, one by one or several at once.
 struct HistoryLineSink {
     virtual ~HistoryLineSink() = default;
+
+    /// Offers the lines that come next before they are taken apart. Whoever knows the first of them with their line
+    /// feeds returns how many bytes those have, and has then taken them; the line after them comes by `take`. The
+    /// text is gone after the call, the `historyLinePadding` bytes behind it can be read.
+    virtual std::size_t takeWholeLines(std::string_view text) {
+        static_cast<void>(text);
+        return 0;
+    }
 
     /// `line` is neither empty nor too long, has no line feed and no carriage return at its end, and is gone after
     /// the call. `historyLinePadding` bytes behind it can be read, so that a parser can work in place.

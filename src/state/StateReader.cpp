@@ -1,7 +1,7 @@
 #include "state/StateReader.h"
 
 #include "model/MessageError.h"
-#include "state/HistoryLineDecoder.h"
+#include "state/HistoryFold.h"
 #include "state/HistoryScanner.h"
 
 #include <sys/stat.h>
@@ -12,32 +12,6 @@
 namespace kestrin {
 
 namespace {
-
-/// Folds the lines of a website's history into a projection.
-class SiteHistoryFold : public HistoryLineSink {
-public:
-    void take(std::string_view line) override {
-        if (const CheckRecord* record = decoder_.decodeCheck(line)) history.append(*record);
-    }
-
-    SiteHistoryProjection history;
-
-private:
-    HistoryLineDecoder decoder_;
-};
-
-/// Folds the lines of a service's history into a projection.
-class ProviderHistoryFold : public HistoryLineSink {
-public:
-    void take(std::string_view line) override {
-        if (const ProviderCheckRecord* record = decoder_.decodeProviderCheck(line)) history.append(*record);
-    }
-
-    ProviderHistoryProjection history;
-
-private:
-    HistoryLineDecoder decoder_;
-};
 
 const SiteDefinition& targetOf(const SiteSnapshot& snapshot) {
     return snapshot.site;
@@ -74,7 +48,7 @@ std::vector<Snapshot> loadSnapshots(const std::filesystem::path& root, HistoryKi
         }
         Fold fold;
         const auto revision = scanHistoryLines(root, kind, target.id, fold, stop);
-        snapshots.push_back({target, std::move(fold.history), revision});
+        snapshots.push_back({target, fold.finish(), revision});
     }
     return snapshots;
 }
