@@ -5,6 +5,7 @@ A test file ends with `desktop_test.main()` and is run inside the private intern
 tests/lab/enter tests/desktop/test_something.py PROGRAM [unittest's arguments]
 """
 
+import contextlib
 import difflib
 import json
 import os
@@ -92,6 +93,30 @@ class DesktopTest(unittest.TestCase):
 
     def icon_is_there(self):
         return self.icon().is_registered()
+
+    # What it holds
+
+    def held(self):
+        """How many threads and descriptors the program has, without those of the threads that Qt paints with: they
+        have one descriptor each and come and go as there is to paint."""
+        while True:
+            names = self.thread_names()
+            descriptors = len(os.listdir(f"/proc/{self.program.pid}/fd"))
+            if self.thread_names() == names:
+                painting = names.count("Thread (pooled)")
+                return len(names) - painting, descriptors - painting
+
+    def thread_names(self):
+        names = []
+        for task in pathlib.Path(f"/proc/{self.program.pid}/task").iterdir():
+            with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+                names.append((task / "comm").read_text().strip())
+        return sorted(names)
+
+    def at_rest(self, threads):
+        """What is held once the threads that checks borrowed have ended, and no more than `threads` are left."""
+        wait_until(lambda: self.held()[0] <= threads, PATIENCE, f"no more than {threads} threads")
+        return self.held()
 
     # What it shows
 

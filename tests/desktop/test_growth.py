@@ -1,23 +1,11 @@
 #!/usr/bin/python3 -B
 """What the program holds does not grow with the checks it makes."""
 
-import os
-
 import accessible
 import desktop_test
-from virtual_desktop import wait_until
 
 
 class CheckingAgainAndAgain(desktop_test.DesktopTest):
-    def held(self):
-        """How many threads and descriptors the program has."""
-        return tuple(len(os.listdir(f"/proc/{self.program.pid}/{kind}")) for kind in ("task", "fd"))
-
-    def at_rest(self, threads):
-        """What is held once the threads that checks borrowed have ended, and no more than `threads` are left."""
-        wait_until(lambda: self.held()[0] <= threads, what=f"no more than {threads} threads")
-        return self.held()
-
     def check(self, sites, count):
         accessible.press(self.check_now)
         self.wait_for_lines(sites, count)

@@ -39,7 +39,7 @@ class ThreeHundredSitesInTrouble(desktop_test.DesktopTest):
         self.open_dashboard()
         self.wait_for_text(self.sites[0])
         self.check_now = self.button("Check now")
-        self.threads = self.held("task")
+        self.threads = self.held()[0]
         held = [self.cycle(number) for number in range(1, CYCLES + 1)]
 
         self.assert_history_as_expected("--lines", str(CYCLES))
@@ -62,17 +62,14 @@ class ThreeHundredSitesInTrouble(desktop_test.DesktopTest):
                    f"line {number} of {last}")
         self.wait_for_name(self.check_now, "Check now")
         took = time.monotonic() - start
-        wait_until(lambda: self.held("task") <= self.threads, what=f"no more than {self.threads} threads")
-        resident, descriptors = self.resident(), self.held("fd")
+        descriptors = self.at_rest(self.threads)[1]
+        resident = self.resident()
         print(f"cycle {number}: {took:.1f} s, {resident / 2**20:.1f} MiB, {descriptors} descriptors", file=sys.stderr)
         return resident, descriptors
 
     def size(self, site):
         path = self.state / "data" / f"{site}.jsonl"
         return path.stat().st_size if path.exists() else 0
-
-    def held(self, kind):
-        return len(os.listdir(f"/proc/{self.program.pid}/{kind}"))
 
     def resident(self):
         with open(f"/proc/{self.program.pid}/statm", encoding="ascii") as file:
