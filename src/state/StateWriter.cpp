@@ -27,12 +27,38 @@ std::filesystem::path backupPath(const std::filesystem::path& directory, const s
     return directory / ("sites-" + stamp + counter + ".json");
 }
 
-/// Copies the present file under a name that no backup has yet.
+void replace(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
+    TemporaryFile temporary(root / (".sites-" + freshUUID() + ".tmp"), defaultMode);
+    AtomicStateFile::writeAllAndSync(text, temporary.descriptor(), "The disk took no data.");
+    temporary.renameTo(file);
+    AtomicStateFile::syncDirectory(root);
+}
+
+/// Puts a directory's own name on the disk. By "..", so that a parent that is a link does not matter; one that may
+/// only be passed through cannot be flushed and is no reason to refuse a save.
+void syncNameOf(const std::filesystem::path& directory) {
+    try {
+        AtomicStateFile::syncDirectory(directory / "..");
+    } catch (const POSIXError& error) {
+        if (error.code != EACCES) throw;
+    }
+}
+
+/// Leaves a real directory there whose name, with those of new parents, is on the disk.
+void ensureLastingDirectory(const std::filesystem::path& directory, std::string_view message) {
+    if (AtomicStateFile::fileKind(directory) == StateFileKind::missing)
+        for (const std::filesystem::path& made : createDirectories(directory))
+            syncNameOf(made);
+    AtomicStateFile::ensureDirectory(directory, IfMissing::Refuse, message);
+}
+
+/// Copies the present file under a name that no backup has yet. Copy and directory are on the disk before the file
+/// is replaced.
 std::filesystem::path makeBackup(
     const std::filesystem::path& root, const std::filesystem::path& file, std::chrono::sys_seconds now) {
     const std::string content = readConfigurationFile(file);
     const std::filesystem::path directory = backupDirectoryPath(root);
-    AtomicStateFile::ensureDirectory(directory, IfMissing::Create, backupPathIsNoDirectory);
+    ensureLastingDirectory(directory, backupPathIsNoDirectory);
     std::string stamp = timestampText(now);
     std::ranges::replace(stamp, ':', '-');
     for (int attempt = 1;; ++attempt) {
@@ -47,31 +73,28 @@ std::filesystem::path makeBackup(
     }
 }
 
-void replace(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
-    TemporaryFile temporary(root / (".sites-" + freshUUID() + ".tmp"), defaultMode);
-    AtomicStateFile::writeAllAndSync(text, temporary.descriptor(), "The disk took no data.");
-    temporary.renameTo(file);
-    AtomicStateFile::syncDirectory(root);
-}
-
-/// Creates the state directory. Its own name reaches the disk as well, where its parent can be opened; a parent
-/// that is a link or may only be passed through is no reason to refuse a save.
-void createRoot(const std::filesystem::path& root) {
-    const bool isNew = AtomicStateFile::fileKind(root) == StateFileKind::missing;
-    AtomicStateFile::ensureDirectory(root, IfMissing::Create, "Kestrin's state path is not a regular directory.");
-    if (!isNew) return;
-    try {
-        AtomicStateFile::syncDirectory(root.parent_path());
-    } catch (const POSIXError& error) {
-        if (error.code != EACCES && error.code != ENOTDIR && error.code != ELOOP) throw;
-    }
+/// Whether a temporary cannot be made beside the state directory and renamed into it, because the parent takes no
+/// files or is another file system.
+bool parentIsNoPlace(int code) {
+    return code == EXDEV || code == EACCES || code == EPERM || code == EROFS;
 }
 
 /// A directory that holds anything but "sites.json" is refused at the next start, so the first file is made without
-/// a temporary in it. False when the file has come into being meanwhile.
-bool createFirst(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
+/// a temporary in it. Only where neither a nameless file nor the parent can serve there is one for a moment.
+void createFirstFile(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
     try {
         createWholeFile(text, file, root.parent_path(), Durability::Synced);
+    } catch (const POSIXError& error) {
+        if (!parentIsNoPlace(error.code)) throw;
+        createWholeFileUnderTemporaryName(text, file, root, Durability::Synced);
+    }
+}
+
+/// False when the file has come into being meanwhile.
+bool createFirst(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
+    try {
+        syncNameOf(root); // a first save may have been killed before it came to this
+        createFirstFile(root, file, text);
         return true;
     } catch (const POSIXError& error) {
         if (error.code == EEXIST) return false;
@@ -100,7 +123,7 @@ std::optional<std::filesystem::path> StateWriter::saveConfiguration(
     const SiteConfiguration& configuration, Backup backup) {
     const std::filesystem::path root = standardizedPath(rootURL_);
     const std::filesystem::path file = configurationFilePath(root);
-    createRoot(root);
+    ensureLastingDirectory(root, "Kestrin's state path is not a regular directory.");
     const bool exists = AtomicStateFile::fileKind(file) != StateFileKind::missing;
 
     const std::string text = writePretty(encodeSiteConfiguration(configuration));
