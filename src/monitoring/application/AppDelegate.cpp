@@ -18,27 +18,32 @@ constexpr std::chrono::seconds hostGracePeriod{5};
 AppDelegate::AppDelegate(
     const std::filesystem::path& stateRoot, std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices)
     : formats_(LocaleFormats::fromEnvironment()), launchNotices_(std::move(launchNotices)),
-      graph_(stateRoot, executor_, clock_), view_(new PopoverView({.startOrStop = [this] { startOrStop(); },
-                                                .checkNow = [this] { graph_.model().checkNow(); },
-                                                .quit = [] { QApplication::quit(); }})),
-      window_(view_), tray_(std::move(tray)) {
+      graph_(stateRoot, executor_, clock_), tray_(std::move(tray)) {
     graph_.model().onChange = [this] { modelChanged(); };
-    window_.onOpen = [this] {
-        graph_.model().refreshIfStateChanged();
-        redraw();
-    };
     if (tray_) {
         connectTray();
         tray_->show();
     } else {
-        window_.open(std::nullopt, {});
+        window().open(std::nullopt, {});
     }
+}
+
+PopoverWindow& AppDelegate::window() {
+    if (window_) return *window_;
+    view_ = new PopoverView({.startOrStop = [this] { startOrStop(); },
+        .checkNow = [this] { graph_.model().checkNow(); },
+        .quit = [] { QApplication::quit(); }});
+    window_ = std::make_unique<PopoverWindow>(view_);
+    window_->onOpen = [this] {
+        graph_.model().refreshIfStateChanged();
+        redraw();
+    };
+    return *window_;
 }
 
 void AppDelegate::connectTray() {
     tray_->onActivate = [this](std::optional<QPoint> click) {
-        chooseWindowStyle();
-        window_.toggle(click, tray_->takeActivationToken());
+        windowInStyle().toggle(click, tray_->takeActivationToken());
     };
     tray_->onMenu = [this](const std::string& id) { runMenuCommand(id); };
     tray_->onHostedChanged = [this](bool hosted) {
@@ -56,24 +61,24 @@ void AppDelegate::connectTray() {
 
 void AppDelegate::activate(const std::string& activationToken) {
     hostGrace_.stop();
-    chooseWindowStyle();
-    window_.open(std::nullopt, activationToken);
+    windowInStyle().open(std::nullopt, activationToken);
 }
 
 // Only X11 lets a client place its windows, and only a panel's icon gives a popover a place and a way back.
-void AppDelegate::chooseWindowStyle() {
-    if (window_.isVisible()) return;
+PopoverWindow& AppDelegate::windowInStyle() {
+    if (window().isVisible()) return window();
     const bool canPlaceWindows = QGuiApplication::platformName() == "xcb";
     const bool hosted = tray_ && tray_->isHosted();
-    window_.setStyle(
+    window().setStyle(
         canPlaceWindows && hosted ? PopoverWindow::Style::Popover : PopoverWindow::Style::OrdinaryWindow);
+    return window();
 }
 
 void AppDelegate::modelChanged() {
     updateMenu();
     // However many changes one turn of the event loop brings, they are drawn once, and not at all while nothing
     // shows.
-    if (!window_.isVisible() || std::exchange(redrawIsDue_, true)) return;
+    if (!window_ || !window_->isVisible() || std::exchange(redrawIsDue_, true)) return;
     executor_.post([this] {
         redrawIsDue_ = false;
         redraw();
@@ -115,7 +120,7 @@ void AppDelegate::startOrStop() {
 bool AppDelegate::shutDown() {
     if (tray_) tray_->hide();
     graph_.model().onChange = nullptr;
-    window_.hide();
+    if (window_) window_->hide();
     return graph_.shutDown([this] { executor_.drain(); });
 }
 

@@ -37,15 +37,18 @@ private:
     void redraw();
     void runMenuCommand(const std::string& id);
     void startOrStop();
-    void chooseWindowStyle();
+    /// The dashboard, made when it is first wanted: most runs begin at login and rest in the panel for long, and
+    /// the fonts alone that a window needs cost memory and time.
+    PopoverWindow& window();
+    PopoverWindow& windowInStyle();
 
     QtExecutor executor_;
     TimerfdClock clock_;
     LocaleFormats formats_;
     std::vector<std::string> launchNotices_;
     MonitoringGraph graph_;
-    PopoverView* view_; ///< owned by the window
-    PopoverWindow window_;
+    std::unique_ptr<PopoverWindow> window_; ///< none before the first opening
+    PopoverView* view_ = nullptr;           ///< owned by the window
     std::unique_ptr<TrayIcon> tray_;
     QTimer hostGrace_;
     bool redrawIsDue_ = false;

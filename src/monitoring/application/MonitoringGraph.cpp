@@ -29,15 +29,9 @@ std::chrono::sys_seconds wallClockSeconds() {
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
     : pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads), checkExecutor_(pool_),
-      clientExecutor_(pool_), writer_(stateRoot) {
-    const BackgroundResolver resolver(
-        resolverPool_, std::make_shared<SystemNameResolver>(), clock, shutdown_.get_token());
-    transport_.emplace();
-    const FreshHTTPClient client(FreshHTTPServices{clientExecutor_, clock, pool_, *transport_, resolver});
-    checker_.emplace(client, resolver, clock, wallClockSeconds);
-
+      clientExecutor_(pool_), clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
-        return checker_->checkWebsite(std::move(site), timeout);
+        return checker().checkWebsite(std::move(site), timeout);
     };
     model_ = std::make_unique<AppModel>(AppModel::Collaborators{
         .reader = StateReader(stateRoot),
@@ -51,6 +45,18 @@ MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executo
         .loadPool = pool_,
         .wallClock = [] { return std::chrono::system_clock::now(); },
     });
+}
+
+// A transport brings libcurl and OpenSSL to life, which a program that only rests in the panel need not pay for.
+const WebsiteChecker& MonitoringGraph::checker() {
+    std::call_once(checkerIsMade_, [this] {
+        const BackgroundResolver resolver(
+            resolverPool_, std::make_shared<SystemNameResolver>(), clock_, shutdown_.get_token());
+        transport_.emplace(TrustStore::systemBundles(), proxySettings_);
+        const FreshHTTPClient client(FreshHTTPServices{clientExecutor_, clock_, pool_, *transport_, resolver});
+        checker_.emplace(client, resolver, clock_, wallClockSeconds);
+    });
+    return *checker_;
 }
 
 bool MonitoringGraph::shutDown(const std::function<void()>& drain) {

@@ -2,6 +2,7 @@
 
 #include "http/CurlTransport.h"
 #include "http/NameResolver.h"
+#include "http/ProxySettings.h"
 #include "monitoring/AppModel.h"
 #include "notifications/InertNotifications.h"
 #include "probing/WebsiteChecker.h"
@@ -12,6 +13,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 
@@ -31,11 +33,17 @@ public:
     [[nodiscard]] bool shutDown(const std::function<void()>& drain);
 
 private:
+    /// Made by the first check, on whatever thread that runs.
+    [[nodiscard]] const WebsiteChecker& checker();
+
     ThreadPool pool_;
     ThreadPool resolverPool_;
     SerialExecutor checkExecutor_;
     SerialExecutor clientExecutor_;
     std::stop_source shutdown_;
+    Clock& clock_;
+    ProxySettings proxySettings_; ///< read at launch, before other threads look at the environment
+    std::once_flag checkerIsMade_;
     std::optional<CurlTransport> transport_;
     std::optional<WebsiteChecker> checker_;
     StateWriter writer_;
