@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -20,8 +19,6 @@ namespace kestrin {
 
 namespace {
 
-// An instance that has given up its name on the bus is a few system calls away from its end.
-constexpr std::chrono::milliseconds patience{500};
 constexpr std::chrono::milliseconds pause{10};
 constexpr std::size_t longestToken = 4096;
 
@@ -62,8 +59,9 @@ bool lockWithin(int descriptor, std::chrono::milliseconds limit) {
 
 } // namespace
 
-InstanceLock::InstanceLock(std::filesystem::path file)
-    : file_(std::move(file)), socketPath_(std::filesystem::path(file_).replace_extension("socket")) {}
+InstanceLock::InstanceLock(std::filesystem::path file, std::chrono::milliseconds patience)
+    : file_(std::move(file)), socketPath_(std::filesystem::path(file_).replace_extension("socket")),
+      patience_(patience) {}
 
 InstanceLock::~InstanceLock() {
     notifier_.reset();
@@ -88,7 +86,7 @@ std::filesystem::path InstanceLock::place() {
 InstanceLock::Result InstanceLock::acquire(const std::string& activationToken) {
     lock_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (lock_ >= 0 && isOwnFile(lock_)) {
-        if (lockWithin(lock_, patience)) {
+        if (lockWithin(lock_, patience_)) {
             listen();
             return Result::Held;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSocketNotifier>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -20,7 +21,10 @@ public:
     };
 
     /// `file` is made where it is missing and stays there empty; a socket stands beside it while the lock is held.
-    explicit InstanceLock(std::filesystem::path file);
+    /// For `patience` a first instance may be about to end: one that has given up its name on the bus is a few
+    /// system calls away from it.
+    explicit InstanceLock(
+        std::filesystem::path file, std::chrono::milliseconds patience = std::chrono::milliseconds(500));
     ~InstanceLock();
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
@@ -28,7 +32,7 @@ public:
     /// In the user's runtime directory, or among the temporary files where there is none.
     [[nodiscard]] static std::filesystem::path place();
 
-    /// A first instance that is just ending is given a moment. `activationToken` goes to the one that runs.
+    /// `activationToken` goes to the one that runs.
     [[nodiscard]] Result acquire(const std::string& activationToken);
 
     /// The program was started again. With the token that lets a window come forward, or an empty text.
@@ -41,6 +45,7 @@ private:
 
     std::filesystem::path file_;
     std::filesystem::path socketPath_;
+    std::chrono::milliseconds patience_;
     int lock_ = -1;
     int socket_ = -1;
     std::unique_ptr<QSocketNotifier> notifier_;

@@ -7,6 +7,7 @@ HISTORY_MEGABYTES is the size of the file. script/load takes one of 5 GB.
 
 import json
 import os
+import shutil
 import sys
 import time
 
@@ -43,6 +44,8 @@ class BigHistory(desktop_test.DesktopTest):
     def setUp(self):
         super().setUp()
         (self.state / "data").mkdir(parents=True)
+        # Not only with the whole desktop, or every test's file would be there at once.
+        self.addCleanup(shutil.rmtree, self.data)
 
     def history_path(self, site):
         return self.state / "data" / f"{site}.jsonl"

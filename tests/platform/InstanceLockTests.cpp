@@ -13,6 +13,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -20,6 +21,8 @@ namespace kestrin {
 
 using test::waitUntil;
 using Result = InstanceLock::Result;
+
+constexpr std::chrono::milliseconds atOnce{0};
 
 /// Another program that holds a lock file, until it is killed.
 class Holder {
@@ -65,26 +68,26 @@ protected:
 
     TemporaryDirectory directory;
     const std::filesystem::path file = directory / "kestrin.lock";
-    InstanceLock first{file};
+    InstanceLock first{file, atOnce};
     std::vector<std::string> activations;
 };
 
 TEST_F(AnInstanceLock, isHeldByTheFirstAndTakenForTheSecond) {
     EXPECT_EQ(first.acquire({}), Result::Held);
-    EXPECT_EQ(InstanceLock(file).acquire({}), Result::Taken);
+    EXPECT_EQ(InstanceLock(file, atOnce).acquire({}), Result::Taken);
 }
 
 TEST_F(AnInstanceLock, hearsOfEverySecondStartAndItsToken) {
     ASSERT_EQ(first.acquire({}), Result::Held);
-    EXPECT_EQ(InstanceLock(file).acquire("token"), Result::Taken);
-    EXPECT_EQ(InstanceLock(file).acquire({}), Result::Taken);
+    EXPECT_EQ(InstanceLock(file, atOnce).acquire("token"), Result::Taken);
+    EXPECT_EQ(InstanceLock(file, atOnce).acquire({}), Result::Taken);
     ASSERT_TRUE(waitUntil([&] { return activations.size() == 2; }));
     EXPECT_EQ(activations, (std::vector<std::string>{"token", ""}));
 }
 
 TEST_F(AnInstanceLock, isFreeAgainWhenItsHolderEndsAndLeavesNoSocket) {
     {
-        InstanceLock earlier(file);
+        InstanceLock earlier(file, atOnce);
         ASSERT_EQ(earlier.acquire({}), Result::Held);
         EXPECT_EQ(directory.entries(), (std::vector<std::string>{"kestrin.lock", "kestrin.socket"}));
     }
@@ -97,14 +100,23 @@ TEST_F(AnInstanceLock, ofAProgramThatWasKilledLocksNobodyOut) {
     ASSERT_TRUE(other.holds);
     EXPECT_EQ(first.acquire({}), Result::Taken);
     other.kill();
-    InstanceLock next(file);
+    InstanceLock next(file, atOnce);
     EXPECT_EQ(next.acquire({}), Result::Held);
+}
+
+TEST_F(AnInstanceLock, waitsForAHolderThatIsAboutToEnd) {
+    Holder other(file);
+    ASSERT_TRUE(other.holds);
+    InstanceLock patient(file, std::chrono::hours(1));
+    std::thread ending([&] { other.kill(); });
+    EXPECT_EQ(patient.acquire({}), Result::Held);
+    ending.join();
 }
 
 TEST_F(AnInstanceLock, takesThePlaceOfASocketThatACrashLeft) {
     directory.write("kestrin.socket", "left");
     ASSERT_EQ(first.acquire({}), Result::Held);
-    EXPECT_EQ(InstanceLock(file).acquire("token"), Result::Taken);
+    EXPECT_EQ(InstanceLock(file, atOnce).acquire("token"), Result::Taken);
     EXPECT_TRUE(waitUntil([&] { return !activations.empty(); }));
 }
 
@@ -133,7 +145,7 @@ TEST_F(AnInstanceLock, worksWithoutASocketWhereThePathIsTooLongForOne) {
     std::filesystem::create_directory(deep);
     InstanceLock holder(deep / "kestrin.lock");
     EXPECT_EQ(holder.acquire({}), Result::Held);
-    EXPECT_EQ(InstanceLock(deep / "kestrin.lock").acquire("token"), Result::Taken);
+    EXPECT_EQ(InstanceLock(deep / "kestrin.lock", atOnce).acquire("token"), Result::Taken);
 }
 
 TEST(ThePlaceOfTheInstanceLock, isTheRuntimeDirectoryAndElseAPlaceOfTheUsersOwn) {
