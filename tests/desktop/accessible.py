@@ -59,6 +59,11 @@ def find_application(name=APPLICATION):
     return next((node for node in applications() if _name(node).lower() == name.lower()), None)
 
 
+def windows(application):
+    """Its windows that show."""
+    return [child for child in _children(application) if is_showing(child)]
+
+
 def walk(node):
     """The control and everything below it, parents first."""
     yield node

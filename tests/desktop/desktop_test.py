@@ -127,8 +127,7 @@ class DesktopTest(unittest.TestCase):
     def window(self):
         """The window that shows, or None."""
         root = self.application()
-        return root and next((frame for frame in accessible.find_all(root) if frame is not root
-                              and accessible.is_showing(frame)), None)
+        return root and next(iter(accessible.windows(root)), None)
 
     def wait_for_window(self):
         return wait_until(self.window, PATIENCE, "the dashboard")
