@@ -2,6 +2,7 @@
 #include "fuzz/GuardedBytes.h"
 #include "fuzz/StrictHistoryLine.h"
 #include "state/HistoryAppending.h"
+#include "state/HistoryFold.h"
 #include "state/HistoryLineDecoder.h"
 #include "state/HistoryLineSplitter.h"
 
@@ -10,98 +11,126 @@
 #include <string>
 #include <vector>
 
-// The input is the content of a history file, of a website and of a service at once. The byte 0xFF, which no line
-// holds, marks where one read of the file ends and the next begins: wherever that is, the same records come out,
-// and they are what a strict reader finds in the same lines.
+// The input is the content of a history file, of a website and of a service at once. Two bytes that no line holds
+// are signs: 0xFF marks where one read of the file ends and the next begins, and 0xFE stands for the line in front
+// of it so often again that it fills a projection. Wherever the reads end, folding the file equals appending what
+// the decoder makes of one line after the other; and the decoder finds what a strict JSON reader finds.
 
 using namespace kestrin;
 
 namespace {
 
 constexpr char readBoundary = '\xFF';
-constexpr std::size_t largestInput = 1 << 20;
+constexpr char repeatedLine = '\xFE';
+constexpr std::size_t repetitions = 29;
+constexpr std::size_t largestInput = 1 << 16;
+constexpr std::size_t largestFile = 8 * largestInput;
 
-template <class Record> using Decode = const Record* (HistoryLineDecoder::*)(std::string_view);
-
-/// The records that a reader of a whole file gets, through one decoder.
-template <class Record> class Records : public HistoryLineSink {
-public:
-    explicit Records(Decode<Record> decode) : decode_(decode) {}
-    void take(std::string_view line) override {
-        if (const Record* record = (decoder_.*decode_)(line)) found.push_back(*record);
+struct Websites {
+    using Record = CheckRecord;
+    using Projection = SiteHistoryProjection;
+    using Fold = SiteHistoryFold;
+    static const Record* decode(HistoryLineDecoder& decoder, std::string_view line) {
+        return decoder.decodeCheck(line);
     }
-
-    std::vector<Record> found;
-
-private:
-    Decode<Record> decode_;
-    HistoryLineDecoder decoder_;
+    static StrictHistoryLine<Record> strict(std::string_view line) { return strictCheck(line); }
 };
 
-/// Kept between inputs: mapping memory anew takes longer than most inputs do.
-GuardedBytes& guardedBytes() {
-    static GuardedBytes bytes(largestInput + historyLinePadding);
-    return bytes;
+struct Services {
+    using Record = ProviderCheckRecord;
+    using Projection = ProviderHistoryProjection;
+    using Fold = ProviderHistoryFold;
+    static const Record* decode(HistoryLineDecoder& decoder, std::string_view line) {
+        return decoder.decodeProviderCheck(line);
+    }
+    static StrictHistoryLine<Record> strict(std::string_view line) { return strictProviderCheck(line); }
+};
+
+/// The file that the input stands for, still with the boundaries of its reads.
+std::string fileOf(std::string_view input) {
+    std::string file;
+    for (const char byte : input) {
+        if (byte != repeatedLine) {
+            file += byte;
+            continue;
+        }
+        if (!file.ends_with('\n')) continue;
+        const auto before = file.size() < 2 ? std::string::npos : file.rfind('\n', file.size() - 2);
+        const std::string line = file.substr(before == std::string::npos ? 0 : before + 1);
+        if (file.size() + repetitions * line.size() > largestFile) continue;
+        for (std::size_t count = 0; count < repetitions; ++count)
+            file += line;
+    }
+    return file;
 }
 
-void readInPieces(std::string_view file, HistoryLineSink& sink) {
-    HistoryLineSplitter splitter(sink);
+/// Kept between inputs: mapping memory anew takes longer than most inputs do.
+std::string_view placed(std::string_view text) {
+    static GuardedBytes bytes(largestFile + historyLinePadding);
+    return bytes.place(text, historyLinePadding);
+}
+
+template <class Kind> Kind::Projection foldedInPieces(std::string_view file) {
+    typename Kind::Fold fold;
+    HistoryLineSplitter splitter(fold);
     while (!file.empty()) {
         const auto end = std::min(file.find(readBoundary), file.size());
-        splitter.take(guardedBytes().place(file.substr(0, end), historyLinePadding));
+        splitter.take(placed(file.substr(0, end)));
         file.remove_prefix(std::min(end + 1, file.size()));
     }
     splitter.finish();
+    return fold.finish();
 }
 
-/// The lines by a rule of one sentence: whatever line feeds separate, without a carriage return at the end.
-std::vector<std::string_view> linesOf(std::string_view file) {
-    std::vector<std::string_view> lines;
+/// What the decoder, which has seen other lines, makes of this one, with the strict reader's opinion of it.
+template <class Kind>
+std::optional<typename Kind::Record> decoded(HistoryLineDecoder& decoder, std::string_view line) {
+    const auto* found = Kind::decode(decoder, placed(line));
+    const auto record = found == nullptr ? std::nullopt : std::optional(*found);
+    const auto opinion = Kind::strict(line);
+    if (record && !opinion.refusedForItsOwnReasons)
+        require(opinion.record == record, "a strict reader finds the same record");
+    if (opinion.record && !opinion.holdsAHugeNumber)
+        require(record.has_value(), "no line is dropped that a strict reader takes");
+    if (record) {
+        const auto* again = Kind::decode(decoder, placed(historyLine(*record)));
+        require(again != nullptr && *again == *record, "a record is written and read again");
+    }
+    return record;
+}
+
+/// Takes lines by a rule of one sentence: whatever line feeds separate, without a carriage return at the end.
+template <class Kind> Kind::Projection appendedOneByOne(std::string_view file) {
+    typename Kind::Projection history;
+    HistoryLineDecoder decoder;
+    std::string_view last;
+    std::optional<typename Kind::Record> record;
     while (!file.empty()) {
         const auto end = std::min(file.find('\n'), file.size());
         std::string_view line = file.substr(0, end);
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        if (!line.empty()) lines.push_back(line);
         file.remove_prefix(std::min(end + 1, file.size()));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (line.empty()) continue;
+        if (line != last) record = decoded<Kind>(decoder, line);
+        if (record) history.append(*record);
+        last = line;
     }
-    return lines;
+    return history;
 }
 
-/// What a line gives to a decoder that has seen no other line.
-template <class Record> std::optional<Record> decodedAlone(Decode<Record> decode, std::string_view line) {
-    HistoryLineDecoder decoder;
-    const Record* record = (decoder.*decode)(guardedBytes().place(line, historyLinePadding));
-    return record == nullptr ? std::nullopt : std::optional(*record);
-}
-
-template <class Record>
-void judge(std::string_view file, Decode<Record> decode, StrictHistoryLine<Record> (*strict)(std::string_view)) {
-    std::string whole(file);
+template <class Kind> void judge(const std::string& file) {
+    std::string whole = file;
     std::erase(whole, readBoundary);
-    std::vector<Record> expected;
-    for (const std::string_view line : linesOf(whole)) {
-        const auto record = decodedAlone(decode, line);
-        if (record) expected.push_back(*record);
-
-        const auto opinion = strict(line);
-        if (record && !opinion.refusedForItsOwnReasons)
-            require(opinion.record == record, "a strict reader finds the same record");
-        if (opinion.record && !opinion.holdsAHugeNumber)
-            require(record.has_value(), "no line is dropped that a strict reader takes");
-        if (record)
-            require(decodedAlone(decode, historyLine(*record)) == record, "a record is written and read again");
-    }
-    Records<Record> records(decode);
-    readInPieces(file, records);
-    require(records.found == expected, "the boundaries of reads and the lines before change no record");
+    require(foldedInPieces<Kind>(file) == appendedOneByOne<Kind>(whole),
+        "folding a file in pieces equals appending its records one by one");
 }
 
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     if (size > largestInput) return 0;
-    const std::string_view file = inputText(bytes, size);
-    judge(file, &HistoryLineDecoder::decodeCheck, strictCheck);
-    judge(file, &HistoryLineDecoder::decodeProviderCheck, strictProviderCheck);
+    const std::string file = fileOf(inputText(bytes, size));
+    judge<Websites>(file);
+    judge<Services>(file);
     return 0;
 }
