@@ -3,6 +3,7 @@
 #include "model/MessageError.h"
 #include "state/HistoryFold.h"
 #include "state/HistoryScanner.h"
+#include "state/ParallelLoop.h"
 
 #include <sys/stat.h>
 
@@ -34,22 +35,25 @@ const Snapshot* unchangedSnapshot(const std::vector<Snapshot>& known, const std:
     return revisionOf(status) == *snapshot->historyRevision ? &*snapshot : nullptr;
 }
 
-/// Gives each target its snapshot: the history that `known` holds of it, or else what `Fold` makes of its lines.
+/// One target with the history that `known` holds of it, or else with what `Fold` makes of its lines.
+template <class Fold, class Snapshot, class Target>
+Snapshot loadSnapshot(const std::filesystem::path& root, HistoryKind kind, const Target& target,
+    const std::vector<Snapshot>& known, const std::stop_token& stop) {
+    if (stop.stop_requested()) throw CancellationError();
+    if (const Snapshot* unchanged = unchangedSnapshot(known, root, kind, target.id))
+        return {target, unchanged->history, unchanged->historyRevision};
+    Fold fold;
+    const auto revision = scanHistoryLines(root, kind, target.id, fold, stop);
+    return {target, fold.finish(), revision};
+}
+
 template <class Fold, class Snapshot, class Target>
 std::vector<Snapshot> loadSnapshots(const std::filesystem::path& root, HistoryKind kind,
     const std::vector<Target>& targets, const std::vector<Snapshot>& known, const std::stop_token& stop) {
-    std::vector<Snapshot> snapshots;
-    snapshots.reserve(targets.size());
-    for (const Target& target : targets) {
-        if (stop.stop_requested()) throw CancellationError();
-        if (const Snapshot* unchanged = unchangedSnapshot(known, root, kind, target.id)) {
-            snapshots.push_back({target, unchanged->history, unchanged->historyRevision});
-            continue;
-        }
-        Fold fold;
-        const auto revision = scanHistoryLines(root, kind, target.id, fold, stop);
-        snapshots.push_back({target, fold.finish(), revision});
-    }
+    std::vector<Snapshot> snapshots(targets.size());
+    forEachInParallel(targets.size(), stop, [&](std::size_t index, const std::stop_token& loopStop) {
+        snapshots[index] = loadSnapshot<Fold>(root, kind, targets[index], known, loopStop);
+    });
     return snapshots;
 }
 

@@ -39,8 +39,9 @@ public:
     /// The present revision of any file of the state directory.
     [[nodiscard]] HistoryFileRevision fileRevision(const std::filesystem::path& url, MissingFile missing) const;
 
-    /// One snapshot for each target in list order; the first error ends the whole read. A history that changes
-    /// while it is read throws `HistoryReadError`; a stop request throws `CancellationError` before the next read.
+    /// One snapshot for each target in list order; the first error in that order ends the whole read. A history
+    /// that changes while it is read throws `HistoryReadError`; a stop request throws `CancellationError` before
+    /// the next read. Two threads share the targets; the second one ends with the call.
     [[nodiscard]] std::vector<SiteSnapshot> loadSiteSnapshots(
         const std::vector<SiteDefinition>& sites, std::stop_token stop = {}) const;
     [[nodiscard]] std::vector<ProviderSnapshot> loadProviderSnapshots(

@@ -126,6 +126,36 @@ TEST_F(LoadingSnapshots, keepsTheOrderOfTheList) {
     EXPECT_THAT(reader.loadSiteSnapshots({}), IsEmpty());
 }
 
+TEST_F(LoadingSnapshots, throwsTheErrorOfTheEarliestInTheList) {
+    fs::create_directories(root / "data/bad.jsonl");
+    fs::create_directories(root / "data/providers/bad.jsonl");
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(thrownMessage<HistoryReadError>(
+                      [&] { static_cast<void>(reader.loadSiteSnapshots({site("bad"), site("..")})); }),
+            "Kestrin history is not a regular file.");
+        EXPECT_EQ(thrownMessage<StatePathError>(
+                      [&] { static_cast<void>(reader.loadProviderSnapshots({provider(".."), provider("bad")})); }),
+            "Unsafe history identifier was refused.");
+    }
+}
+
+TEST_F(LoadingSnapshots, readsManyHistoriesInTheOrderOfTheList) {
+    std::vector<SiteDefinition> sites;
+    for (int i = 0; i < 60; ++i) {
+        CheckRecord record = check(1);
+        record.siteID = "site-" + std::to_string(i);
+        for (int n = 0; n < i; ++n)
+            writer.appendCheck(record);
+        sites.push_back(site(record.siteID));
+    }
+    const auto snapshots = reader.loadSiteSnapshots(sites);
+    ASSERT_EQ(snapshots.size(), sites.size());
+    for (std::size_t i = 0; i < sites.size(); ++i) {
+        EXPECT_EQ(snapshots[i].site, sites[i]);
+        EXPECT_EQ(snapshots[i].history.totalCheckCount, static_cast<std::int64_t>(i));
+    }
+}
+
 TEST_F(LoadingSnapshots, stopsAtTheFirstError) {
     fs::create_directories(root / "data/bad.jsonl");
     EXPECT_EQ(thrownMessage<HistoryReadError>(
