@@ -26,11 +26,11 @@ class AppendRow:
             **{what: lambda what=what, root=root: self._run(what, root, SERIES) for what, root in roots.items()})
         wall, cpu = (lambda sample: sample[0]), (lambda sample: sample[1])
         check, calls = samples["check"], samples["calls"]
-        yield Result("append", rounds.ratio(check, calls, wall), rounds.median(check, wall),
-                     rounds.median(calls, wall), "µs",
-                     {"CPU, times": rounds.ratio(check, calls, cpu),
-                      "against open, read, write, fstat and close alone, times":
-                      rounds.ratio(check, samples["six"], wall)})
+        # Nothing here waits for anything, so what other programs take from the wall clock is none of it.
+        yield Result("append", rounds.ratio(check, calls, cpu), rounds.median(check, cpu), rounds.median(calls, cpu),
+                     "µs of CPU", {"wall, times": rounds.ratio(check, calls, wall),
+                                   "against open, read, write, fstat and close alone, times":
+                                   rounds.ratio(check, samples["six"], cpu)})
 
     def _run(self, what, root, count, tracer=()):
         done = subprocess.run([*tracer, self._setting.program("append"), what, str(root), str(count)], check=True,

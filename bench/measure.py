@@ -64,7 +64,8 @@ def main():
             [SOURCE / "tests/lab/enter", "/usr/bin/python3", "-B", HERE / "inside_lab.py", "--build", given.build.resolve(),
              "--scratch", scratch, "--json", given.json.resolve(), "--rounds", str(given.rounds),
              *(["--quick"] if given.quick else []), *given.rows],
-            env={**os.environ, "TMPDIR": scratch}, stdin=subprocess.DEVNULL, preexec_fn=die_with_parent)
+            env={**os.environ, "TMPDIR": scratch}, stdin=subprocess.DEVNULL, preexec_fn=die_with_parent,
+            start_new_session=True)
         return measuring.wait()
     finally:
         if measuring and measuring.poll() is None:

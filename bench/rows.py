@@ -21,7 +21,7 @@ ROWS = {
     "scan-memory-values": Row("peak memory of a load, lines of 8 MB of numbers", "the idle program", 32, "MB more"),
     "check": Row("one website check, CPU", "a bare TLS handshake", 1.4),
     "check-curl": Row("one website check, CPU", "curl -sI", 0.08),
-    "append": Row("one append", "the same system calls alone", 1.3),
+    "append": Row("one append, CPU", "the same system calls alone", 1.3),
     "idle-pss": Row("idle memory, PSS", "a bare Qt tray program", 1.25),
     "idle-rss": Row("idle memory, RSS", "a bare Qt tray program", 1.25),
     "start": Row("from the start to the registered icon", "a bare Qt tray program", 1.75),
