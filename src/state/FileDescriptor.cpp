@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace kestrin {
 
@@ -23,6 +24,7 @@ int openRestarting(const std::filesystem::path& path, int flags, mode_t mode) {
 } // namespace
 
 FileDescriptor::~FileDescriptor() {
+    // An error is not looked at: what was read is read, what was synced is on disk, and a failure is on its way.
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
@@ -37,6 +39,12 @@ std::optional<FileDescriptor> FileDescriptor::openExisting(const std::filesystem
     if (descriptor >= 0) return FileDescriptor(descriptor);
     if (errno == ENOENT) return std::nullopt;
     throwPOSIXError();
+}
+
+void FileDescriptor::close() {
+    const int descriptor = std::exchange(descriptor_, -1);
+    // An interrupted close has closed all the same.
+    if (::close(descriptor) != 0 && errno != EINTR) throwPOSIXError();
 }
 
 struct stat FileDescriptor::status() const {

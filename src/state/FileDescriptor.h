@@ -26,6 +26,9 @@ public:
     [[nodiscard]] static std::optional<FileDescriptor> openExisting(const std::filesystem::path& path, int flags);
 
     [[nodiscard]] int get() const { return descriptor_; }
+    /// For bytes that nobody syncs: the last chance of some network file systems to say that they could not be
+    /// written. Throws `POSIXError`; the descriptor is gone in any case. What was synced needs no such question.
+    void close();
     /// What `fstat` says; throws `POSIXError`.
     [[nodiscard]] struct stat status() const;
 

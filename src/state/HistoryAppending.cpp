@@ -41,13 +41,14 @@ bool endsInTornLine(const FileDescriptor& file, std::int64_t size) {
 
 HistoryAppend extend(const std::filesystem::path& path, const std::string& line) {
     // In append mode the system itself puts the bytes behind whatever another writer has added meanwhile.
-    const FileDescriptor file = FileDescriptor::open(path, O_RDWR | O_APPEND);
+    FileDescriptor file = FileDescriptor::open(path, O_RDWR | O_APPEND);
     const struct stat status = file.status();
     requireRegular(status);
     const std::string added = endsInTornLine(file, status.st_size) ? "\n" + line : line;
     writeAll(added, file.get(), "The disk took no data.");
     HistoryAppend append = {.before = revisionOf(status), .after = revisionOf(file.status())};
     append.before.byteCount = append.after.byteCount - static_cast<std::int64_t>(added.size());
+    file.close();
     return append;
 }
 

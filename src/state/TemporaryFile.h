@@ -17,6 +17,8 @@ public:
 
     [[nodiscard]] int descriptor() const { return file_.get(); }
 
+    /// Ends the writing of bytes that are not synced; throws `POSIXError` when they could not be written.
+    void close() { file_.close(); }
     void keep() { removeOnExit_ = false; }
     /// Replaces what bears that name.
     void renameTo(const std::filesystem::path& destination);

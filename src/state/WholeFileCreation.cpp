@@ -25,6 +25,11 @@ void write(std::string_view data, int descriptor, Durability durability) {
         writeAll(data, descriptor, nothingWritten);
 }
 
+/// Bytes that are not synced may be refused as late as this.
+template <class File> void finish(File& file, Durability durability) {
+    if (durability == Durability::Written) file.close();
+}
+
 void syncName(const std::filesystem::path& destination, Durability durability) {
     if (durability == Durability::Synced) AtomicStateFile::syncDirectory(destination.parent_path());
 }
@@ -45,10 +50,11 @@ bool giveName(const FileDescriptor& file, const std::filesystem::path& destinati
 /// False where the file system or the machine cannot do it; nothing is left then.
 bool createNameless(std::string_view data, const std::filesystem::path& destination, Durability durability) {
     try {
-        const FileDescriptor file =
-            FileDescriptor::open(destination.parent_path(), O_WRONLY | O_TMPFILE, defaultMode);
+        FileDescriptor file = FileDescriptor::open(destination.parent_path(), O_WRONLY | O_TMPFILE, defaultMode);
         write(data, file.get(), durability);
-        return giveName(file, destination);
+        const bool isNamed = giveName(file, destination);
+        finish(file, durability);
+        return isNamed;
     } catch (const POSIXError& error) {
         if (namelessIsUnknown(error.code)) return false;
         throw;
@@ -68,6 +74,7 @@ void createWholeFileUnderTemporaryName(std::string_view data, const std::filesys
     const std::filesystem::path& temporaryDirectory, Durability durability) {
     TemporaryFile temporary(temporaryDirectory / (".Kestrin-" + freshUUID() + ".tmp"), defaultMode);
     write(data, temporary.descriptor(), durability);
+    finish(temporary, durability);
     temporary.renameToUnused(destination);
     syncName(destination, durability);
 }

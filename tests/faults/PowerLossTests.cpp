@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <set>
 
 using namespace kestrin;
@@ -94,6 +95,10 @@ struct Mutant {
     const char* driver;
     bool spoilsNewFile;
 };
+
+void PrintTo(const Mutant& mutant, std::ostream* stream) {
+    *stream << mutant.name;
+}
 
 class ALeftOutFlush : public testing::TestWithParam<Mutant> {};
 
