@@ -23,16 +23,16 @@ template <class Fold> std::size_t DeferringHistoryFold<Fold>::takeWholeLines(std
 }
 
 template <class Fold> void DeferringHistoryFold<Fold>::take(std::string_view line) {
-    const auto* record = static_cast<Fold*>(this)->decode(line);
+    auto& fold = static_cast<Fold&>(*this);
+    const bool tooLongToDefer = line.size() > PlainHistoryLine::maximumBytes;
+    if (tooLongToDefer) appendDeferred();
+    auto* record = fold.decode(line);
     if (record == nullptr) return;
-    if (line.size() <= PlainHistoryLine::maximumBytes) {
+    if (tooLongToDefer) {
+        fold.history_.append(std::move(*record));
+    } else {
         defer({line, Fold::isUp(*record)});
         deferred_.keep();
-    } else {
-        // Too long to be held back.
-        auto owned = *record;
-        appendDeferred();
-        static_cast<Fold*>(this)->history_.append(owned);
     }
 }
 

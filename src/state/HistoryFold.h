@@ -45,7 +45,7 @@ private:
     friend DeferringHistoryFold;
     static constexpr std::size_t keptRecords = SiteHistoryProjection::maximumRecentChecks;
 
-    [[nodiscard]] const CheckRecord* decode(std::string_view line) { return decoder_.decodeCheck(line); }
+    [[nodiscard]] CheckRecord* decode(std::string_view line) { return decoder_.decodeCheck(line); }
     static bool isUp(const CheckRecord& record) { return record.up; }
     /// Folds a line that enough others follow to push its record out of the recent ones.
     void pass(const DeferredLines::Line& line);
@@ -64,9 +64,7 @@ private:
     friend DeferringHistoryFold;
     static constexpr std::size_t keptRecords = ProviderHistoryProjection::maximumRecentChecks;
 
-    [[nodiscard]] const ProviderCheckRecord* decode(std::string_view line) {
-        return decoder_.decodeProviderCheck(line);
-    }
+    [[nodiscard]] ProviderCheckRecord* decode(std::string_view line) { return decoder_.decodeProviderCheck(line); }
     static bool isUp(const ProviderCheckRecord&) { return true; }
     static void pass(const DeferredLines::Line&) {}
 

@@ -10,8 +10,9 @@ namespace kestrin {
 
 /// Decodes lines of history files, with any order of keys and unknown keys ignored; of a key that stands twice the
 /// last one counts. A line that is no JSON, lacks a required field, or has a value of another type gives nothing;
-/// null is accepted for optional fields alone. The record is valid until the next call, which reuses its memory.
-/// `historyLinePadding` bytes behind a line must be readable. One thread at a time.
+/// null is accepted for optional fields alone. The record is valid until the next call, which reuses its memory,
+/// and may be moved away. A long line takes little more memory than its record. `historyLinePadding` bytes behind a
+/// line must be readable. One thread at a time.
 class HistoryLineDecoder {
 public:
     HistoryLineDecoder();
@@ -20,8 +21,8 @@ public:
     HistoryLineDecoder& operator=(const HistoryLineDecoder&) = delete;
 
     /// Null for a line that is to be dropped.
-    [[nodiscard]] const CheckRecord* decodeCheck(std::string_view line);
-    [[nodiscard]] const ProviderCheckRecord* decodeProviderCheck(std::string_view line);
+    [[nodiscard]] CheckRecord* decodeCheck(std::string_view line);
+    [[nodiscard]] ProviderCheckRecord* decodeProviderCheck(std::string_view line);
 
 private:
     struct Parser;

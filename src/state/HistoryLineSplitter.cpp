@@ -43,7 +43,8 @@ void HistoryLineSplitter::gather(std::string_view segment) {
         return;
     }
     const std::size_t needed = size + sizeof '\n' + historyLinePadding;
-    if (gathered_.size() < needed) gathered_.resize(std::max(needed, 2 * gathered_.size()));
+    constexpr std::size_t mostNeeded = maximumGathered + sizeof '\n' + historyLinePadding;
+    if (gathered_.size() < needed) gathered_.resize(std::clamp(2 * gathered_.size(), needed, mostNeeded));
     std::ranges::copy(segment, gathered_.begin() + static_cast<std::ptrdiff_t>(gatheredSize_));
     gatheredSize_ = size;
 }

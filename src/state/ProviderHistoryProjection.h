@@ -14,6 +14,7 @@ struct ProviderHistoryProjection {
     std::deque<ProviderCheckRecord> recentChecks;
 
     void append(const ProviderCheckRecord& record);
+    void append(ProviderCheckRecord&& record);
 
     bool operator==(const ProviderHistoryProjection&) const = default;
 };

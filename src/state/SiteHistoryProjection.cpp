@@ -8,10 +8,20 @@
 namespace kestrin {
 
 void SiteHistoryProjection::append(const CheckRecord& record) {
+    appendRecent(recentChecks, record, maximumRecentChecks);
+    foldLatest();
+}
+
+void SiteHistoryProjection::append(CheckRecord&& record) {
+    appendRecent(recentChecks, std::move(record), maximumRecentChecks);
+    foldLatest();
+}
+
+/// What the last of the recent checks does to counters and incidents.
+void SiteHistoryProjection::foldLatest() {
+    const CheckRecord& record = recentChecks.back();
     ++totalCheckCount;
     if (record.up) ++successfulCheckCount;
-    appendRecent(recentChecks, record, maximumRecentChecks);
-
     if (!record.up) {
         if (!ongoingIncidentStart) ongoingIncidentStart = record;
         return;

@@ -25,11 +25,15 @@ struct SiteHistoryProjection {
     std::optional<CheckRecord> ongoingIncidentStart; ///< the first failure of the run that lasts
 
     void append(const CheckRecord& record);
+    void append(CheckRecord&& record);
 
     /// The incidents to show, newest first: one that lasts, then closed ones, three at most.
     [[nodiscard]] std::vector<Incident> incidents() const;
 
     bool operator==(const SiteHistoryProjection&) const = default;
+
+private:
+    void foldLatest();
 };
 
 } // namespace kestrin

@@ -1,6 +1,7 @@
 #include "state/HistoryLineDecoder.h"
 
 #include "state/HistoryAppending.h"
+#include "state/HistoryLineMutations.h"
 #include "state/HistoryScanner.h"
 
 #include <gtest/gtest.h>
@@ -159,6 +160,57 @@ TEST(DecodingALine, keepsNothingOfTheLineBefore) {
     const ProviderCheckRecord* third = decoder.decodeProviderCheck(Padded(historyLine(ProviderCheckRecord())));
     ASSERT_NE(third, nullptr);
     EXPECT_EQ(*third, ProviderCheckRecord());
+}
+
+TEST(DecodingALine, readsALongLineAsItReadsAShortOne) {
+    const std::string blanks(70'000, ' ');
+    HistoryLineDecoder decoder;
+    HistoryLineDecoder decoderOfLong;
+    HistoryLineMutations mutations(5);
+    for (int i = 0; i < 4000; ++i) {
+        const std::string line = mutations.any(historyLine(full));
+        const CheckRecord* record = decoder.decodeCheck(Padded(line));
+        const CheckRecord* recordOfLong = decoderOfLong.decodeCheck(Padded(line + blanks));
+        ASSERT_EQ(recordOfLong != nullptr, record != nullptr) << line;
+        if (record != nullptr) {
+            ASSERT_EQ(*recordOfLong, *record) << line;
+        }
+        const std::string providerLine = mutations.any(historyLine(fullProvider));
+        const ProviderCheckRecord* provider = decoder.decodeProviderCheck(Padded(providerLine));
+        const ProviderCheckRecord* providerOfLong =
+            decoderOfLong.decodeProviderCheck(Padded(blanks + providerLine));
+        ASSERT_EQ(providerOfLong != nullptr, provider != nullptr) << providerLine;
+        if (provider != nullptr) {
+            ASSERT_EQ(*providerOfLong, *provider) << providerLine;
+        }
+    }
+}
+
+TEST(DecodingALine, readsLongValues) {
+    CheckRecord record = full;
+    record.error = std::string(100'000, '"') + std::string(100'000, '\\') + "ä\x01";
+    record.ips.assign(20'000, "2001:db8::\"\\,]");
+    record.url = std::string(70'000, '/');
+    const auto decoded = check(historyLine(record));
+    ASSERT_TRUE(decoded);
+    EXPECT_TRUE(*decoded == record);
+}
+
+TEST(DecodingALine, dropsALongValueOfAnotherType) {
+    std::string ones = "1";
+    std::string texts = "\"1\"";
+    for (int i = 0; i < 40'000; ++i) {
+        ones += ",1";
+        texts += " , \"1\"";
+    }
+    EXPECT_EQ(check(checkWith(",\"ips\":[ " + texts + " ]"))->ips.size(), 40'001u);
+    for (const std::string& value : {"[" + ones + "]", "[" + texts + ",1]", "[[" + texts + "]]",
+             "{\"a\":[" + texts + "]}", "[" + texts + ",]"}) {
+        EXPECT_FALSE(check(checkWith(",\"ips\":" + value)));
+        EXPECT_FALSE(check(checkWith(",\"error\":" + value)));
+        EXPECT_FALSE(check(checkWith(",\"elapsed_ms\":" + value)));
+    }
+    EXPECT_TRUE(check(checkWith(",\"error\":[" + ones + "],\"error\":\"e\",\"x\":[" + ones + "]")));
 }
 
 TEST(DecodingALine, readsALineOfTheLargestSize) {
