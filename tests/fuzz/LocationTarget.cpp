@@ -8,6 +8,7 @@
 #include "probing/SecureHTTPError.h"
 #include "probing/SecureRequestPolicy.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +20,9 @@
 using namespace kestrin;
 
 namespace {
+
+/// More than any policy allows. Refusals are thrown, which takes longer than all the rest.
+constexpr std::size_t mostHops = 8;
 
 std::vector<std::string> cut(std::string_view text, char mark) {
     std::vector<std::string> pieces;
@@ -46,7 +50,7 @@ std::optional<WebURL> permitted(
 }
 
 void follow(const SecureRequestPolicy& policy, WebURL url, const std::vector<std::string>& lines) {
-    for (std::size_t hop = 1; hop < lines.size(); ++hop) {
+    for (std::size_t hop = 1; hop < std::min(lines.size(), mostHops + 1); ++hop) {
         const HTTPHopResponse response{
             .status = 302, .contentType = {}, .locations = cut(lines[hop], '\xFF'), .body = {}};
         const auto target = permitted(policy, url, response);

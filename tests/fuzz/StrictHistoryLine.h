@@ -2,6 +2,8 @@
 
 #include "model/CheckRecord.h"
 #include "model/ProviderCheckRecord.h"
+#include "json/JSONReader.h"
+#include "json/JSONValue.h"
 
 #include <optional>
 #include <string_view>
@@ -9,17 +11,28 @@
 namespace kestrin {
 
 /// A history line read by the strict reader of the state files, which shares nothing with the decoder of history
-/// lines: slow, and a second opinion.
-template <class Record> struct StrictHistoryLine {
-    std::optional<Record> record;
+/// lines: slow, and a second opinion on it.
+class StrictHistoryLine {
+public:
+    explicit StrictHistoryLine(std::string_view line);
+
     /// The strict reader refused the line for a reason that is its own: a key that stands twice, deep nesting, a
     /// number that fits no double.
-    bool refusedForItsOwnReasons = false;
-    /// A number stands in the line that fits no 64-bit integer, wherever it is: no history line has one.
-    bool holdsAHugeNumber = false;
-};
+    [[nodiscard]] bool isRefusedForItsOwnReasons() const { return refusedForItsOwnReasons_; }
+    /// Somewhere in the line a number stands that fits no 64-bit integer: no history line has one.
+    [[nodiscard]] bool holdsAHugeNumber() const { return holdsAHugeNumber_; }
 
-[[nodiscard]] StrictHistoryLine<CheckRecord> strictCheck(std::string_view line);
-[[nodiscard]] StrictHistoryLine<ProviderCheckRecord> strictProviderCheck(std::string_view line);
+    [[nodiscard]] std::optional<CheckRecord> check() const;
+    [[nodiscard]] std::optional<ProviderCheckRecord> providerCheck() const;
+
+private:
+    template <class Record>
+    [[nodiscard]] std::optional<Record> record(
+        const char* keyOfTheKind, Record (*recordIn)(const JSONReader&)) const;
+
+    std::optional<JSONValue> value_;
+    bool refusedForItsOwnReasons_ = false;
+    bool holdsAHugeNumber_ = false;
+};
 
 } // namespace kestrin
