@@ -67,12 +67,13 @@ class DesktopRows:
             with running(desktop, self._program, root.parent) as program:
                 wait_until(lambda: processfiles.bytes_read(program.pid) >= total, PATIENCE, "the whole load")
                 processfiles.wait_until_settled(program.pid)
-                return processfiles.peak_resident(program.pid)
+                return processfiles.peak_resident(program.pid), processfiles.memory(program.pid)["Rss"]
 
         with desktop_with_panel() as desktop:
             samples = rounds.interleaved(self._setting.rounds, peak=at_most, idle=at_rest)
-        peak, idle = rounds.median(samples["peak"]), rounds.median(samples["idle"])
-        return Result(row, peak - idle, peak, idle, "MB")
+        peak, after = (rounds.median(samples["peak"], lambda sample: sample[part]) for part in (0, 1))
+        idle = rounds.median(samples["idle"])
+        return Result(row, peak - idle, peak, idle, "MB", {"at rest after the load, MB": after})
 
     def _wake_ups(self, rows):
         """Each on a desktop of its own, and all at the same time."""

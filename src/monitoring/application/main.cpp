@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,9 +35,19 @@ int refuseToStart(const std::string& description) {
     return EXIT_FAILURE;
 }
 
+/// A history may have lines of megabytes. The C library learns from the first such piece of memory to keep the next
+/// ones for later, which a program that rests for months does not want.
+void giveLargeMemoryBack() {
+#ifdef __GLIBC__
+    constexpr int largeBytes = 1 << 20;
+    mallopt(M_MMAP_THRESHOLD, largeBytes);
+#endif
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    giveLargeMemoryBack();
     dropTLSVariables();
     const std::expected<void, std::string> busAnswers = prepareSessionBus();
     const LaunchTokens tokens = LaunchTokens::takeFromEnvironment();
