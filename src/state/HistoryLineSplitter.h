@@ -19,6 +19,9 @@ public:
     /// The file has ended: a last line without a line feed counts like any other.
     void finish();
 
+    /// The most bytes that were gathered for one line, about.
+    [[nodiscard]] std::size_t longestGatheredBytes() const { return gathered_.size(); }
+
 private:
     void gather(std::string_view segment);
     void endGatheredLine();

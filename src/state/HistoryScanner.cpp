@@ -7,6 +7,9 @@
 #include "state/StateErrors.h"
 
 #include <fcntl.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,6 +23,7 @@ namespace kestrin {
 namespace {
 
 constexpr std::int64_t chunkBytes = 65'536;
+constexpr std::size_t hugeLineBytes = 1 << 20;
 
 std::size_t readRestarting(int descriptor, char* bytes, std::size_t count) {
     ssize_t got = -1;
@@ -30,8 +34,17 @@ std::size_t readRestarting(int descriptor, char* bytes, std::size_t count) {
     return static_cast<std::size_t>(got);
 }
 
-/// Lines that are appended after the size was taken are not read; the next read of the history has them.
-void readLines(int descriptor, std::int64_t size, HistoryLineSink& sink, const std::stop_token& stop) {
+/// Hands what a huge line took back to the system. The allocator would keep it: a program that runs for months must
+/// not stay as large as its largest line.
+void releaseMemory() {
+#ifdef __GLIBC__
+    ::malloc_trim(0);
+#endif
+}
+
+/// Lines that are appended after the size was taken are not read; the next read of the history has them. Returns
+/// whether there was a huge line.
+bool readLines(int descriptor, std::int64_t size, HistoryLineSink& sink, const std::stop_token& stop) {
     std::vector<char> chunk(chunkBytes + historyLinePadding);
     HistoryLineSplitter splitter(sink);
     while (size > 0) {
@@ -43,6 +56,7 @@ void readLines(int descriptor, std::int64_t size, HistoryLineSink& sink, const s
         size -= static_cast<std::int64_t>(count);
     }
     splitter.finish();
+    return splitter.longestGatheredBytes() > hugeLineBytes;
 }
 
 } // namespace
@@ -54,7 +68,7 @@ std::optional<HistoryFileRevision> scanHistoryLines(const std::filesystem::path&
     const struct stat status = file->status();
     if (!S_ISREG(status.st_mode)) throw HistoryReadError("Kestrin history is not a regular file.");
     const HistoryFileRevision revision = revisionOf(status);
-    readLines(file->get(), revision.byteCount, sink, stop);
+    if (readLines(file->get(), revision.byteCount, sink, stop)) releaseMemory();
     if (revisionOf(file->status()) != revision)
         throw HistoryReadError("Kestrin history changed while it was being read.");
     return revision;
