@@ -25,9 +25,9 @@ void TemporaryFile::renameTo(const std::filesystem::path& destination) {
 
 void TemporaryFile::renameToUnused(const std::filesystem::path& destination) {
     if (::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE) != 0) {
-        // Some file systems and kernels cannot rename without replacing, but where links are kept one can link.
-        const bool isUnknown = errno == EINVAL || errno == ENOSYS;
-        if (!isUnknown || ::link(path_.c_str(), destination.c_str()) != 0) throwPOSIXError();
+        // Some file systems and kernels cannot rename without replacing, but all of those that keep links can link.
+        // The C library gives this error for a kernel's ENOSYS too.
+        if (errno != EINVAL || ::link(path_.c_str(), destination.c_str()) != 0) throwPOSIXError();
         return; // the name that is left goes away with this object
     }
     removeOnExit_ = false;

@@ -42,7 +42,7 @@ public:
             ::close(ends[1]);
             if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(126);
             ::raise(SIGSTOP);
-            ::execl(driver.c_str(), driver.c_str(), operation.c_str(), root.c_str(), nullptr);
+            ::execl(driver.c_str(), driver.c_str(), operation.c_str(), root.c_str(), "--marked", nullptr);
             ::_exit(127);
         }
         ::close(ends[1]);
