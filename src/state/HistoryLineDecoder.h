@@ -8,6 +8,8 @@
 
 namespace kestrin {
 
+class HistoryLineParser;
+
 /// Decodes lines of history files, with any order of keys and unknown keys ignored; of a key that stands twice the
 /// last one counts. A line that is no JSON, lacks a required field, or has a value of another type gives nothing;
 /// null is accepted for optional fields alone. The record is valid until the next call, which reuses its memory,
@@ -25,8 +27,7 @@ public:
     [[nodiscard]] ProviderCheckRecord* decodeProviderCheck(std::string_view line);
 
 private:
-    struct Parser;
-    std::unique_ptr<Parser> parser_;
+    std::unique_ptr<HistoryLineParser> parser_;
     CheckRecord check_;
     ProviderCheckRecord providerCheck_;
 };

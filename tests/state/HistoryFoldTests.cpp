@@ -19,6 +19,11 @@ struct SiteReference : HistoryLineSink {
         if (const CheckRecord* record = decoder.decodeCheck(line)) history.append(*record);
     }
     SiteHistoryProjection finish() { return history; }
+    static constexpr PlainLineRecognition::Reading readPlain = readPlainCheck;
+    std::optional<bool> up(std::string_view line) {
+        const CheckRecord* record = decoder.decodeCheck(line);
+        return record == nullptr ? std::nullopt : std::optional(record->up);
+    }
 
     HistoryLineDecoder decoder;
     SiteHistoryProjection history;
@@ -29,6 +34,10 @@ struct ProviderReference : HistoryLineSink {
         if (const ProviderCheckRecord* record = decoder.decodeProviderCheck(line)) history.append(*record);
     }
     ProviderHistoryProjection finish() { return history; }
+    static constexpr PlainLineRecognition::Reading readPlain = readPlainProviderCheck;
+    std::optional<bool> up(std::string_view line) {
+        return decoder.decodeProviderCheck(line) == nullptr ? std::nullopt : std::optional(true);
+    }
 
     HistoryLineDecoder decoder;
     ProviderHistoryProjection history;
@@ -103,29 +112,48 @@ template <class Sink, class Reference> void expectSameFold(std::string_view file
     FAIL() << "the counters or incidents differ\n" << file;
 }
 
-/// Judges lines in files of as many as a projection keeps records, so that the record of every line shows, each
-/// with a known good line before it and some among them.
+/// Judges lines in two ways, each with a known good line before it, from which it may be told to differ in digits
+/// alone. What is recognised must decode and say the same. And a file of no more lines than a projection keeps
+/// records must fold alike, so that the record of every line shows.
 template <class Sink, class Reference> class Judgement {
 public:
     explicit Judgement(std::vector<std::string> good) : good_(std::move(good)) {}
 
     void add(const std::string& line) {
-        ++count_;
-        file_ += good_[count_ % good_.size()] + "\n" + line + (count_ % 64 == 0 ? "\r\n" : "\n");
-        if (++lines_ == 12) judge();
+        const std::string& before = good_[++count_ % good_.size()];
+        ASSERT_TRUE(recognise(before));
+        if (recognise(line)) ++recognised_;
+        file_ += before + "\n" + line + (count_ % 64 == 0 ? "\r\n" : "\n");
+        if (++lines_ == 12) judgeFile();
     }
-    void judge() {
+    void judgeFile() {
         expectSameFold<Sink, Reference>(file_, 1 + count_ % 977 * 7);
         file_.clear();
         lines_ = 0;
     }
     [[nodiscard]] std::size_t count() const { return count_; }
+    [[nodiscard]] std::size_t recognised() const { return recognised_; }
 
 private:
+    bool recognise(const std::string& line) {
+        padded_ = line + "\n";
+        const std::size_t size = padded_.size();
+        padded_.append(historyLinePadding, '"');
+        const auto match = recognition_.recognise({padded_.data(), size});
+        if (match.lineBytes == 0) return false;
+        EXPECT_EQ(match.lineBytes, std::min(line.size(), line.find('\n')));
+        EXPECT_EQ(reference_.up({padded_.data(), match.lineBytes}), match.up) << line;
+        return true;
+    }
+
     std::vector<std::string> good_;
+    PlainLineRecognition recognition_{Reference::readPlain};
+    Reference reference_;
+    std::string padded_;
     std::string file_;
     std::size_t lines_ = 0;
     std::size_t count_ = 0;
+    std::size_t recognised_ = 0;
 };
 
 #if defined(__has_feature)
@@ -158,7 +186,9 @@ template <class Sink, class Reference> void judgeNearLines(const std::vector<std
     }
     while (judgement.count() < linesOfEachKind)
         judgement.add(mutations.any(good[mutations.below(good.size())]));
-    judgement.judge();
+    judgement.judgeFile();
+    EXPECT_GT(judgement.recognised(), judgement.count() / 20) << "or else it says little";
+    EXPECT_LT(judgement.recognised(), judgement.count() * 3 / 4);
 }
 
 } // namespace
