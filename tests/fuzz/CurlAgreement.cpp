@@ -67,4 +67,20 @@ std::string disagreementWithCurl(const WebURL& url) {
     return onParts.empty() ? disagreementOnText(url) : onParts;
 }
 
+std::string disagreementWithCurl(const WebURL& base, const std::string& reference, const WebURL& target) {
+    const auto isASCII = [](char sign) { return static_cast<unsigned char>(sign) < 0x80; };
+    if (!std::ranges::all_of(reference, isASCII) || endsInANumber(base.host) || endsInANumber(target.host))
+        return {};
+    const CurlURL resolved(curl_url());
+    if (curl_url_set(resolved.get(), CURLUPART_URL, joinURL(base).c_str(), 0) != CURLUE_OK ||
+        curl_url_set(resolved.get(), CURLUPART_URL, reference.c_str(), 0) != CURLUE_OK)
+        return {};
+    if (partOf(resolved, CURLUPART_SCHEME) != lowercaseScheme(target)) return "another scheme behind the reference";
+    if (comparable(partOf(resolved, CURLUPART_HOST).value_or("")) != comparable(asciiHostForWire(target)))
+        return "another host behind the reference";
+    if (partOf(resolved, CURLUPART_PORT).value_or("443") != std::to_string(effectivePort(target)))
+        return "another port behind the reference";
+    return {};
+}
+
 } // namespace kestrin

@@ -12,4 +12,10 @@ namespace kestrin {
 /// filled by parts.
 [[nodiscard]] std::string disagreementWithCurl(const WebURL& url);
 
+/// Compares what a reference at `base` leads to with what libcurl makes of the same reference. References with
+/// letters outside ASCII are left out, because their hosts are converted by other rules there, and so are hosts as
+/// above.
+[[nodiscard]] std::string disagreementWithCurl(
+    const WebURL& base, const std::string& reference, const WebURL& target);
+
 } // namespace kestrin

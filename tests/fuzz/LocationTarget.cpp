@@ -42,6 +42,8 @@ std::optional<WebURL> permitted(
         auto again = splitURL(target.text);
         require(again == target, "the parts of a target are those of its text");
         validateDestination(policy, target);
+        const std::string disagreement = disagreementWithCurl(base, response.locations.front(), target);
+        require(disagreement.empty(), disagreement);
         return target;
     } catch (const SecureHTTPError& refusal) {
         require(!refusal.message.empty(), "a refusal says why");
