@@ -83,9 +83,10 @@ void HistoryLineTemplates::learn(const PlainHistoryLine& plain) {
     if (plain.timestamp.size() != shapeOfTimestamp.size() || !isTimestamp(plain.timestamp.data()) ||
         plain.elapsedMS.empty())
         return;
+    const auto elapsedOffset = static_cast<std::size_t>(plain.elapsedMS.data() - plain.line.data());
     Template& forgotten = templates_[next_];
-    forgotten.middle.assign(plain.line.data() + timestampEnd, plain.elapsedMS.data());
-    forgotten.end.assign(plain.elapsedMS.data() + plain.elapsedMS.size(), plain.line.data() + plain.line.size());
+    forgotten.middle = plain.line.substr(timestampEnd, elapsedOffset - timestampEnd);
+    forgotten.end = plain.line.substr(elapsedOffset + plain.elapsedMS.size());
     forgotten.end += '\n';
     forgotten.up = plain.up;
     latest_ = next_;

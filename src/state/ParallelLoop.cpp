@@ -71,20 +71,22 @@ private:
     std::exception_ptr error_;
 };
 
+/// No thread when the system gives none.
+std::jthread secondThread(ParallelLoop& loop) {
+    try {
+        return std::jthread([&loop] { loop.work(1); });
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
 } // namespace
 
 void forEachInParallel(std::size_t count, const std::stop_token& stop, const Action& action) {
     ParallelLoop loop(count, action);
     const std::stop_callback passOn(stop, [&loop] { loop.requestStop(); });
     {
-        std::jthread second;
-        if (count > 1) {
-            try {
-                second = std::jthread([&loop] { loop.work(1); });
-            } catch (const std::system_error&) {
-                // The calling thread does all the work.
-            }
-        }
+        const std::jthread second = count > 1 ? secondThread(loop) : std::jthread();
         loop.work(0);
     }
     loop.throwFirstError();

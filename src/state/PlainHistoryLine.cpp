@@ -123,7 +123,7 @@ bool readNumbers(Cursor& cursor, PlainHistoryLine& result) {
 
 bool readEnd(Cursor& cursor, std::string_view text, PlainHistoryLine& result) {
     if (!cursor.literal("}\n")) return false;
-    result.line = {text.data(), cursor.position() - 1};
+    result.line = text.substr(0, static_cast<std::size_t>(cursor.position() - text.data()) - sizeof '\n');
     return result.line.size() <= PlainHistoryLine::maximumBytes;
 }
 
