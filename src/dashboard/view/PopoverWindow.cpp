@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <algorithm>
 #include <chrono>
 
@@ -49,6 +50,7 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
     // Qt takes the token from the environment, which other threads read; elsewhere it is of no use.
     if (!activationToken.empty() && QGuiApplication::platformName().startsWith("wayland"))
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    if (opensWhenFocusIsLost(click, activationToken)) return;
     if (!isVisible()) {
         if (onOpen) onOpen();
         applyStyle();
@@ -62,6 +64,17 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
     show();
     raise();
     activateWindow();
+}
+
+// Qt hears a moment late that a window which was hidden has lost the focus. Shown again before that, it would have
+// the focus without Qt ever noticing, and the keyboard would reach none of its controls.
+bool PopoverWindow::opensWhenFocusIsLost(std::optional<QPoint> click, const std::string& activationToken) {
+    if (isVisible() || !windowHandle() || QGuiApplication::focusWindow() != windowHandle()) return false;
+    connect(
+        qGuiApp, &QGuiApplication::focusWindowChanged, this,
+        [this, click, activationToken] { open(click, activationToken); },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    return true;
 }
 
 void PopoverWindow::applyStyle() {

@@ -32,6 +32,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    [[nodiscard]] bool opensWhenFocusIsLost(std::optional<QPoint> click, const std::string& activationToken);
     void applyStyle();
     void moveBeside(std::optional<QPoint> click);
     [[nodiscard]] QSize sizeForContent() const;
