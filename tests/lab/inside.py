@@ -45,8 +45,9 @@ def build(root):
     with contextlib.suppress(FileExistsError):
         os.mkdir("/tmp/.X11-unix")
         os.chmod("/tmp/.X11-unix", 0o1777)
-    # The C library asks its cache daemon, which lives outside, before it asks our name server.
-    for directory in ("/run/nscd", "/tmp/.X11-unix"):
+    # The C library asks its cache daemon, which lives outside, before it asks our name server. The X servers of all
+    # labs have the same number and would write their keyboards to the same file.
+    for directory in ("/run/nscd", "/tmp/.X11-unix", "/var/lib/xkb"):
         if os.path.isdir(directory):
             _run("mount", "-t", "tmpfs", "-o", "mode=1777", "kestrin-lab", directory)
     _trust(root)
