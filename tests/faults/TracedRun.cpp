@@ -13,6 +13,7 @@
 #include <cstring>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 #ifndef __x86_64__
 #error "Which registers hold a system call's number and result has to be written down for this machine."
@@ -148,6 +149,12 @@ private:
     std::int64_t count_ = 0;
 };
 
+RunResult spoiled(std::string wrong) {
+    RunResult result;
+    result.wrong = std::move(wrong);
+    return result;
+}
+
 RunResult resultOf(TracedProcess& process) {
     RunResult result;
     result.wrong = process.ending();
@@ -173,10 +180,10 @@ RunResult runTraced(const std::filesystem::path& driver, std::string_view operat
         process.go(PTRACE_SYSCALL);
         process.wait();
         if (process.ended()) return resultOf(process);
-        if (stops > 2 * maximumCalls) return {.wrong = "the operation does not end"};
+        if (stops > 2 * maximumCalls) return spoiled("the operation does not end");
         if (!process.isAtCall()) {
             if (process.signal() != SIGSTOP)
-                return {.wrong = "the operation raised signal " + std::to_string(process.signal())};
+                return spoiled("the operation raised signal " + std::to_string(process.signal()));
             call.inOperation = false;
             continue;
         }
@@ -188,7 +195,9 @@ RunResult runTraced(const std::filesystem::path& driver, std::string_view operat
             if (verdict.kind == Verdict::Kind::Kill) {
                 process.kill();
                 process.wait();
-                return {.wasKilled = true};
+                RunResult killed;
+                killed.wasKilled = true;
+                return killed;
             }
             interference.atEntry(verdict, call);
         } else if (information.op == PTRACE_SYSCALL_INFO_EXIT) {

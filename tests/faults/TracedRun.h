@@ -35,8 +35,8 @@ struct Verdict {
 struct RunResult {
     bool wasKilled = false; ///< by the verdict
     bool succeeded = false;
-    std::string message{}; ///< what the user reads of a failure
-    std::string wrong{};   ///< what must never happen: a crash, a hang, a foreign exception, a leaked descriptor
+    std::string message; ///< what the user reads of a failure
+    std::string wrong;   ///< what must never happen: a crash, a hang, a foreign exception, a leaked descriptor
 };
 
 using BeforeCall = std::function<Verdict(const SystemCall&)>;
