@@ -80,7 +80,7 @@ std::size_t HistoryLineTemplates::lineBytes(const Template& known, std::string_v
 }
 
 void HistoryLineTemplates::learn(const PlainHistoryLine& plain) {
-    if (plain.timestamp.size() != shapeOfTimestamp.size() || !isTimestamp(plain.timestamp.data()) ||
+    if (plain.timestamp.size() != shapeOfTimestamp.size() || !isTimestamp(&plain.timestamp[0]) ||
         plain.elapsedMS.empty())
         return;
     const auto elapsedOffset = static_cast<std::size_t>(plain.elapsedMS.data() - plain.line.data());

@@ -70,22 +70,22 @@ HistoryFileRevision StateReader::fileRevision(const std::filesystem::path& url, 
 }
 
 std::vector<SiteSnapshot> StateReader::loadSiteSnapshots(
-    const std::vector<SiteDefinition>& sites, std::stop_token stop) const {
-    return loadSiteSnapshots(sites, {}, std::move(stop));
+    const std::vector<SiteDefinition>& sites, const std::stop_token& stop) const {
+    return loadSiteSnapshots(sites, {}, stop);
 }
 
 std::vector<ProviderSnapshot> StateReader::loadProviderSnapshots(
-    const std::vector<ProviderDefinition>& providers, std::stop_token stop) const {
-    return loadProviderSnapshots(providers, {}, std::move(stop));
+    const std::vector<ProviderDefinition>& providers, const std::stop_token& stop) const {
+    return loadProviderSnapshots(providers, {}, stop);
 }
 
-std::vector<SiteSnapshot> StateReader::loadSiteSnapshots(
-    const std::vector<SiteDefinition>& sites, const std::vector<SiteSnapshot>& known, std::stop_token stop) const {
+std::vector<SiteSnapshot> StateReader::loadSiteSnapshots(const std::vector<SiteDefinition>& sites,
+    const std::vector<SiteSnapshot>& known, const std::stop_token& stop) const {
     return loadSnapshots<SiteHistoryFold>(rootURL_, HistoryKind::Website, sites, known, stop);
 }
 
 std::vector<ProviderSnapshot> StateReader::loadProviderSnapshots(const std::vector<ProviderDefinition>& providers,
-    const std::vector<ProviderSnapshot>& known, std::stop_token stop) const {
+    const std::vector<ProviderSnapshot>& known, const std::stop_token& stop) const {
     return loadSnapshots<ProviderHistoryFold>(rootURL_, HistoryKind::Provider, providers, known, stop);
 }
 

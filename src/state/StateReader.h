@@ -43,17 +43,17 @@ public:
     /// that changes while it is read throws `HistoryReadError`; a stop request throws `CancellationError` before
     /// the next read. Two threads share the targets; the second one ends with the call.
     [[nodiscard]] std::vector<SiteSnapshot> loadSiteSnapshots(
-        const std::vector<SiteDefinition>& sites, std::stop_token stop = {}) const;
+        const std::vector<SiteDefinition>& sites, const std::stop_token& stop = {}) const;
     [[nodiscard]] std::vector<ProviderSnapshot> loadProviderSnapshots(
-        const std::vector<ProviderDefinition>& providers, std::stop_token stop = {}) const;
+        const std::vector<ProviderDefinition>& providers, const std::stop_token& stop = {}) const;
 
     /// The same, where a history whose file still has the revision of the known snapshot of that target is taken
     /// over instead of read. Only snapshots that hold all of their file's lines may be given as known.
     [[nodiscard]] std::vector<SiteSnapshot> loadSiteSnapshots(const std::vector<SiteDefinition>& sites,
-        const std::vector<SiteSnapshot>& known, std::stop_token stop = {}) const;
+        const std::vector<SiteSnapshot>& known, const std::stop_token& stop = {}) const;
     [[nodiscard]] std::vector<ProviderSnapshot> loadProviderSnapshots(
         const std::vector<ProviderDefinition>& providers, const std::vector<ProviderSnapshot>& known,
-        std::stop_token stop = {}) const;
+        const std::stop_token& stop = {}) const;
 
 private:
     std::filesystem::path rootURL_;
