@@ -7,13 +7,12 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <vector>
 
 namespace kestrin {
 
 namespace {
 
-void refuseLink(const std::filesystem::path& path) {
+void refuseLink(const std::string& path) {
     struct stat status{};
     if (::lstat(path.c_str(), &status) != 0) {
         if (errno == ENOENT) return;
@@ -26,17 +25,18 @@ void refuseLink(const std::filesystem::path& path) {
 
 std::filesystem::path historyFilePath(const std::filesystem::path& root, HistoryKind kind, const std::string& id) {
     if (!isSafeIdentifier(id)) throw StatePathError("Unsafe history identifier was refused.");
-    const std::filesystem::path standardizedRoot = standardizedPath(root);
-    std::vector<std::filesystem::path> inspected = {standardizedRoot, standardizedPath(standardizedRoot / "data")};
-    if (kind == HistoryKind::Provider) inspected.push_back(standardizedPath(inspected.back() / "providers"));
-    inspected.push_back(standardizedPath(inspected.back() / (id + ".jsonl")));
-
-    const std::string& file = inspected.back().native();
-    if (!file.starts_with((standardizedRoot / "").native()))
+    // Put together as text: every append comes by here, and a path is taken apart each time it is made.
+    const std::string standardizedRoot = standardizedPath(root).native();
+    const std::string data = standardizedRoot + "/data";
+    const std::string directory = kind == HistoryKind::Provider ? data + "/providers" : data;
+    std::filesystem::path file = standardizedPath(directory + "/" + id + ".jsonl");
+    if (!file.native().starts_with(standardizedRoot + "/"))
         throw StatePathError("History path escaped Kestrin's state directory.");
-    for (const std::filesystem::path& path : inspected)
-        refuseLink(path);
-    return inspected.back();
+    refuseLink(standardizedRoot);
+    refuseLink(data);
+    if (kind == HistoryKind::Provider) refuseLink(directory);
+    refuseLink(file.native());
+    return file;
 }
 
 } // namespace kestrin

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 
 namespace kestrin {
 
@@ -25,9 +26,23 @@ bool isDirectory(const std::filesystem::path& path) {
     return true;
 }
 
+/// Whether there is nothing to standardise in an absolute path: no empty part, none of dots, no slash at its end.
+bool isStandardized(std::string_view path) {
+    if (path.size() < 2 || path.front() != '/') return false;
+    while (!path.empty()) {
+        path.remove_prefix(1);
+        const std::string_view part = path.substr(0, path.find('/'));
+        if (part.empty() || part == "." || part == "..") return false;
+        path.remove_prefix(part.size());
+    }
+    return true;
+}
+
 } // namespace
 
-std::filesystem::path standardizedPath(const std::filesystem::path& path) {
+std::filesystem::path standardizedPath(std::filesystem::path path) {
+    // Most are, and taking a path apart and putting it together again costs more than a system call.
+    if (isStandardized(path.native())) return path;
     std::filesystem::path standardized = path.lexically_normal();
     // A path that ends in a slash has an empty last part.
     if (!standardized.has_filename() && standardized.has_relative_path()) standardized = standardized.parent_path();
