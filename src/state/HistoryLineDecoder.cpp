@@ -17,11 +17,9 @@ using Value = HistoryLineParser::Value;
 
 // Each returns whether the value is there and of its type. Memory of the target is used again.
 
-bool read(const Value& value, std::string& target) {
-    std::string_view text;
-    if (!value || value->get(text) != simdjson::SUCCESS) return false;
-    target = text;
-    return true;
+bool read(std::optional<std::string_view> text, std::string& target) {
+    if (text) target = *text;
+    return text.has_value();
 }
 
 bool read(const Value& value, bool& target) {
@@ -33,29 +31,37 @@ bool read(const Value& value, std::int64_t& target) {
     return value && value->get(target) == simdjson::SUCCESS;
 }
 
-bool read(const Value& value, ProviderState& target) {
-    std::string_view name;
-    if (!value || value->get(name) != simdjson::SUCCESS) return false;
-    const auto state = providerStateNamed(name);
+bool read(std::optional<std::string_view> name, ProviderState& target) {
+    const auto state = providerStateNamed(name.value_or(""));
     if (state) target = *state;
     return state.has_value();
 }
 
-bool read(const Value& value, ProviderFailureCategory& target) {
-    std::string_view name;
-    if (!value || value->get(name) != simdjson::SUCCESS) return false;
-    const auto category = providerFailureCategoryNamed(name);
+bool read(std::optional<std::string_view> name, ProviderFailureCategory& target) {
+    const auto category = providerFailureCategoryNamed(name.value_or(""));
     if (category) target = *category;
     return category.has_value();
 }
 
-template <class Field> bool readOptional(const Value& value, std::optional<Field>& target) {
+template <class Number> bool readOptional(const Value& value, std::optional<Number>& target) {
     if (!value || value->is_null()) {
         target.reset();
         return true;
     }
     if (!target) target.emplace();
     return read(value, *target);
+}
+
+/// The same for what is written as a string.
+template <class Text>
+bool readOptional(HistoryLineParser& parser, const Field& field, std::optional<Text>& target) {
+    if (const auto text = parser.textOf(field)) {
+        if (!target) target.emplace();
+        return read(text, *target);
+    }
+    target.reset();
+    const Value value = parser.valueOf(field);
+    return !value || value->is_null();
 }
 
 } // namespace
@@ -69,13 +75,14 @@ CheckRecord* HistoryLineDecoder::decodeCheck(std::string_view line) {
         {historyKeys::up}, {historyKeys::error}}};
     if (!parser_->find(line, fields)) return nullptr;
     const auto of = [this](const Field& field) { return parser_->valueOf(field); };
+    const auto textOf = [this](const Field& field) { return parser_->textOf(field); };
     const auto& [timestamp, siteID, url, dnsOK, ips, httpStatus, elapsedMS, up, error] = fields;
     CheckRecord& record = check_;
     const bool complete =
-        read(of(timestamp), record.timestamp) && read(of(siteID), record.siteID) && read(of(url), record.url) &&
-        read(of(dnsOK), record.dnsOK) && parser_->readStrings(ips, record.ips) &&
+        read(textOf(timestamp), record.timestamp) && read(textOf(siteID), record.siteID) &&
+        read(textOf(url), record.url) && read(of(dnsOK), record.dnsOK) && parser_->readStrings(ips, record.ips) &&
         readOptional(of(httpStatus), record.httpStatus) && readOptional(of(elapsedMS), record.elapsedMS) &&
-        read(of(up), record.up) && readOptional(of(error), record.error);
+        read(of(up), record.up) && readOptional(*parser_, error, record.error);
     parser_->release();
     return complete ? &record : nullptr;
 }
@@ -86,15 +93,16 @@ ProviderCheckRecord* HistoryLineDecoder::decodeProviderCheck(std::string_view li
         {historyKeys::officialUpdatedAt}, {historyKeys::error}, {historyKeys::failureCategory}}};
     if (!parser_->find(line, fields)) return nullptr;
     const auto of = [this](const Field& field) { return parser_->valueOf(field); };
+    const auto textOf = [this](const Field& field) { return parser_->textOf(field); };
     const auto& [timestamp, providerID, endpoint, httpStatus, elapsedMS, state, summary, updatedAt, error,
         category] = fields;
     ProviderCheckRecord& record = providerCheck_;
     const bool complete =
-        read(of(timestamp), record.timestamp) && read(of(providerID), record.providerID) &&
-        read(of(endpoint), record.endpoint) && readOptional(of(httpStatus), record.httpStatus) &&
-        readOptional(of(elapsedMS), record.elapsedMS) && read(of(state), record.state) &&
-        read(of(summary), record.summary) && readOptional(of(updatedAt), record.officialUpdatedAt) &&
-        readOptional(of(error), record.error) && readOptional(of(category), record.failureCategory);
+        read(textOf(timestamp), record.timestamp) && read(textOf(providerID), record.providerID) &&
+        read(textOf(endpoint), record.endpoint) && readOptional(of(httpStatus), record.httpStatus) &&
+        readOptional(of(elapsedMS), record.elapsedMS) && read(textOf(state), record.state) &&
+        read(textOf(summary), record.summary) && readOptional(*parser_, updatedAt, record.officialUpdatedAt) &&
+        readOptional(*parser_, error, record.error) && readOptional(*parser_, category, record.failureCategory);
     parser_->release();
     return complete ? &record : nullptr;
 }

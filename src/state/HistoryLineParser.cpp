@@ -18,11 +18,16 @@ bool isLongContainer(std::string_view text) {
     return text.size() > ordinaryBytes && (text.front() == '[' || text.front() == '{');
 }
 
-bool append(const HistoryLineParser::Value& value, std::vector<std::string>& target, std::size_t& count) {
+std::optional<std::string_view> stringIn(const HistoryLineParser::Value& value) {
     std::string_view text;
-    if (!value || value->get(text) != simdjson::SUCCESS) return false;
+    if (!value || value->get(text) != simdjson::SUCCESS) return std::nullopt;
+    return text;
+}
+
+bool append(std::optional<std::string_view> text, std::vector<std::string>& target, std::size_t& count) {
+    if (!text) return false;
     if (count == target.size()) target.emplace_back();
-    target[count++] = text;
+    target[count++] = *text;
     return true;
 }
 
@@ -56,6 +61,16 @@ HistoryLineParser::Value HistoryLineParser::valueOf(const HistoryLineField& fiel
     return isLongContainer(field.text) ? parse({anyContainer, 2}) : parse(field.text);
 }
 
+std::optional<std::string_view> HistoryLineParser::textOf(const HistoryLineField& field) {
+    return field.text.starts_with('"') ? textIn(field.text) : stringIn(valueOf(field));
+}
+
+/// A valid string without escapes stands there as it is; parsing it would hold a long one twice.
+std::optional<std::string_view> HistoryLineParser::textIn(std::string_view quoted) {
+    if (quoted.find('\\') == std::string_view::npos) return quoted.substr(1, quoted.size() - 2);
+    return stringIn(parse(quoted));
+}
+
 bool HistoryLineParser::readStrings(const HistoryLineField& field, std::vector<std::string>& target) {
     if (isLongContainer(field.text)) return field.text.front() == '[' && readLongArray(field.text, target);
     const Value value = valueOf(field);
@@ -63,7 +78,7 @@ bool HistoryLineParser::readStrings(const HistoryLineField& field, std::vector<s
     if (!value || value->get(array) != simdjson::SUCCESS) return false;
     std::size_t count = 0;
     for (const dom::element element : array)
-        if (!append(element, target, count)) return false;
+        if (!append(stringIn(element), target, count)) return false;
     target.resize(count);
     return true;
 }
@@ -82,10 +97,7 @@ HistoryLineParser::Value HistoryLineParser::parse(std::string_view text) {
 bool HistoryLineParser::isKey(std::string_view quoted, std::string_view key) {
     constexpr std::size_t longestEscape = 6;
     if (quoted.size() > key.size() * longestEscape + 2) return false;
-    if (quoted.find('\\') == std::string_view::npos) return quoted.substr(1, quoted.size() - 2) == key;
-    std::string_view text;
-    const Value parsed = parse(quoted);
-    return parsed && parsed->get(text) == simdjson::SUCCESS && text == key;
+    return textIn(quoted) == key;
 }
 
 /// An array that was found to be valid, one string after the other.
@@ -97,7 +109,7 @@ bool HistoryLineParser::readLongArray(std::string_view array, std::vector<std::s
         while (array[at] != '"')
             at += array[at] == '\\' ? std::size_t{2} : std::size_t{1};
         ++at;
-        if (!append(parse(array.substr(begin, at - begin)), target, count)) return false;
+        if (!append(textIn(array.substr(begin, at - begin)), target, count)) return false;
     }
     target.resize(count);
     return true;

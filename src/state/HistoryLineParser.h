@@ -29,6 +29,8 @@ public:
     bool find(std::string_view line, std::span<HistoryLineField> fields);
     /// The value of a field, which lives until the next call; no value for a field that is not there.
     [[nodiscard]] Value valueOf(const HistoryLineField& field);
+    /// The text of a string, which lives until the next call; no value for anything else.
+    [[nodiscard]] std::optional<std::string_view> textOf(const HistoryLineField& field);
     /// Whether the field is an array of strings. Memory of the target is used again.
     bool readStrings(const HistoryLineField& field, std::vector<std::string>& target);
     /// Gives back what a long value took.
@@ -36,6 +38,7 @@ public:
 
 private:
     Value parse(std::string_view text);
+    std::optional<std::string_view> textIn(std::string_view quoted);
     bool isKey(std::string_view quoted, std::string_view key);
     bool readLongArray(std::string_view array, std::vector<std::string>& target);
 

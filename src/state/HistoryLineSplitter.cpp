@@ -8,6 +8,7 @@ namespace {
 
 /// One byte more than a line may have: it may be the carriage return that does not count.
 constexpr std::size_t maximumGathered = maximumHistoryLineBytes + 1;
+constexpr std::size_t hugeLineBytes = 1 << 20;
 
 } // namespace
 
@@ -40,13 +41,29 @@ void HistoryLineSplitter::gather(std::string_view segment) {
     if (size > maximumGathered) {
         oversized_ = true;
         gatheredSize_ = 0;
+        endHugeLine();
         return;
     }
-    const std::size_t needed = size + sizeof '\n' + historyLinePadding;
-    constexpr std::size_t mostNeeded = maximumGathered + sizeof '\n' + historyLinePadding;
-    if (gathered_.size() < needed) gathered_.resize(std::clamp(2 * gathered_.size(), needed, mostNeeded));
+    makeRoom(size + sizeof '\n' + historyLinePadding);
     std::ranges::copy(segment, gathered_.begin() + static_cast<std::ptrdiff_t>(gatheredSize_));
     gatheredSize_ = size;
+}
+
+void HistoryLineSplitter::makeRoom(std::size_t bytes) {
+    if (gathered_.size() >= bytes) return;
+    constexpr std::size_t mostNeeded = maximumGathered + sizeof '\n' + historyLinePadding;
+    const std::size_t room = std::clamp(2 * gathered_.size(), bytes, mostNeeded);
+    if (room > hugeLineBytes) {
+        hadHugeLine_ = true;
+        if (turn_ != nullptr && !heldTurn_.owns_lock()) heldTurn_ = std::unique_lock(*turn_);
+    }
+    gathered_.resize(room);
+}
+
+void HistoryLineSplitter::endHugeLine() {
+    if (gathered_.size() <= hugeLineBytes) return;
+    gathered_ = {};
+    if (heldTurn_.owns_lock()) heldTurn_.unlock();
 }
 
 void HistoryLineSplitter::endGatheredLine() {
@@ -57,6 +74,7 @@ void HistoryLineSplitter::endGatheredLine() {
     }
     oversized_ = false;
     gatheredSize_ = 0;
+    endHugeLine();
 }
 
 void HistoryLineSplitter::handOn(std::string_view line) {

@@ -23,7 +23,6 @@ namespace kestrin {
 namespace {
 
 constexpr std::int64_t chunkBytes = 65'536;
-constexpr std::size_t hugeLineBytes = 1 << 20;
 
 std::size_t readRestarting(int descriptor, char* bytes, std::size_t count) {
     ssize_t got = -1;
@@ -44,9 +43,10 @@ void releaseMemory() {
 
 /// Lines that are appended after the size was taken are not read; the next read of the history has them. Returns
 /// whether there was a huge line.
-bool readLines(int descriptor, std::int64_t size, HistoryLineSink& sink, const std::stop_token& stop) {
+bool readLines(
+    int descriptor, std::int64_t size, HistoryLineSink& sink, const std::stop_token& stop, HugeLineTurn* turn) {
     std::vector<char> chunk(chunkBytes + historyLinePadding);
-    HistoryLineSplitter splitter(sink);
+    HistoryLineSplitter splitter(sink, turn);
     while (size > 0) {
         if (stop.stop_requested()) throw CancellationError();
         const std::size_t count =
@@ -56,19 +56,19 @@ bool readLines(int descriptor, std::int64_t size, HistoryLineSink& sink, const s
         size -= static_cast<std::int64_t>(count);
     }
     splitter.finish();
-    return splitter.longestGatheredBytes() > hugeLineBytes;
+    return splitter.hadHugeLine();
 }
 
 } // namespace
 
 std::optional<HistoryFileRevision> scanHistoryLines(const std::filesystem::path& root, HistoryKind kind,
-    const std::string& id, HistoryLineSink& sink, const std::stop_token& stop) {
+    const std::string& id, HistoryLineSink& sink, const std::stop_token& stop, HugeLineTurn* turn) {
     const auto file = FileDescriptor::openExisting(historyFilePath(root, kind, id), O_RDONLY);
     if (!file) return std::nullopt;
     const struct stat status = file->status();
     if (!S_ISREG(status.st_mode)) throw HistoryReadError("Kestrin history is not a regular file.");
     const HistoryFileRevision revision = revisionOf(status);
-    if (readLines(file->get(), revision.byteCount, sink, stop)) releaseMemory();
+    if (readLines(file->get(), revision.byteCount, sink, stop, turn)) releaseMemory();
     if (revisionOf(file->status()) != revision)
         throw HistoryReadError("Kestrin history changed while it was being read.");
     return revision;

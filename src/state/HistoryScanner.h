@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -17,6 +18,10 @@ inline constexpr std::size_t maximumHistoryLineBytes = 8'388'608;
 
 /// The readable bytes behind every line that a sink gets; what they hold means nothing.
 inline constexpr std::size_t historyLinePadding = 64;
+
+/// Taken for as long as a line of more than a megabyte is gathered and handed on. Scans that share one have at most
+/// one such line in memory, however many of them run.
+using HugeLineTurn = std::mutex;
 
 /// Takes the lines of a history file, one by one or several at once.
 struct HistoryLineSink {
@@ -39,8 +44,8 @@ struct HistoryLineSink {
 /// value and no lines when there is no file. Reads what was there at the start, in chunks: memory is bounded by one
 /// chunk and one line. Empty and oversized lines are passed over. Throws `HistoryReadError` when the file changed
 /// meanwhile, `CancellationError` when a stop was requested, `StatePathError` and `POSIXError`; lines may have been
-/// handed out before any of these.
+/// handed out before any of these. `turn`: shared with scans that run at the same time.
 std::optional<HistoryFileRevision> scanHistoryLines(const std::filesystem::path& root, HistoryKind kind,
-    const std::string& id, HistoryLineSink& sink, const std::stop_token& stop = {});
+    const std::string& id, HistoryLineSink& sink, const std::stop_token& stop = {}, HugeLineTurn* turn = nullptr);
 
 } // namespace kestrin

@@ -38,12 +38,12 @@ const Snapshot* unchangedSnapshot(const std::vector<Snapshot>& known, const std:
 /// One target with the history that `known` holds of it, or else with what `Fold` makes of its lines.
 template <class Fold, class Snapshot, class Target>
 Snapshot loadSnapshot(const std::filesystem::path& root, HistoryKind kind, const Target& target,
-    const std::vector<Snapshot>& known, const std::stop_token& stop) {
+    const std::vector<Snapshot>& known, const std::stop_token& stop, HugeLineTurn& turn) {
     if (stop.stop_requested()) throw CancellationError();
     if (const Snapshot* unchanged = unchangedSnapshot(known, root, kind, target.id))
         return {target, unchanged->history, unchanged->historyRevision};
     Fold fold;
-    const auto revision = scanHistoryLines(root, kind, target.id, fold, stop);
+    const auto revision = scanHistoryLines(root, kind, target.id, fold, stop, &turn);
     return {target, fold.finish(), revision};
 }
 
@@ -51,8 +51,9 @@ template <class Fold, class Snapshot, class Target>
 std::vector<Snapshot> loadSnapshots(const std::filesystem::path& root, HistoryKind kind,
     const std::vector<Target>& targets, const std::vector<Snapshot>& known, const std::stop_token& stop) {
     std::vector<Snapshot> snapshots(targets.size());
+    HugeLineTurn turn;
     forEachInParallel(targets.size(), stop, [&](std::size_t index, const std::stop_token& loopStop) {
-        snapshots[index] = loadSnapshot<Fold>(root, kind, targets[index], known, loopStop);
+        snapshots[index] = loadSnapshot<Fold>(root, kind, targets[index], known, loopStop, turn);
     });
     return snapshots;
 }

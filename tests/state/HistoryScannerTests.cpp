@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 
 #include <functional>
+#include <thread>
+#include <vector>
 
 using namespace kestrin;
 namespace fs = std::filesystem;
@@ -101,6 +103,25 @@ TEST_F(ScanningHistory, dropsAHugeLineAndGoesOnWithTheNext) {
     EXPECT_THAT(
         linesOf("a\n" + std::string(3 * maximumHistoryLineBytes, 'x') + "\nb\nc"), ElementsAre("a", "b", "c"));
     EXPECT_THAT(linesOf(std::string(3 * maximumHistoryLineBytes, 'x')), IsEmpty());
+}
+
+TEST_F(ScanningHistory, holdsTheTurnOfHugeLinesWhileItHandsOneOnAndNoLonger) {
+    const std::string huge(maximumHistoryLineBytes, 'x');
+    root.write("data/a.jsonl", "one\n" + huge + "\ntwo\n" + huge + "x\nthree\n" + huge);
+    HugeLineTurn turn;
+    std::vector<bool> isFree;
+    Lines sink;
+    sink.atLine = [&] {
+        std::thread other([&] {
+            isFree.push_back(turn.try_lock());
+            if (isFree.back()) turn.unlock();
+        });
+        other.join();
+    };
+    scanHistoryLines(root.path(), HistoryKind::Website, "a", sink, {}, &turn);
+    EXPECT_THAT(isFree, ElementsAre(true, false, true, true, false));
+    EXPECT_TRUE(turn.try_lock());
+    turn.unlock();
 }
 
 TEST_F(ScanningHistory, readsServicesBelowProviders) {
