@@ -69,12 +69,11 @@ private:
     ThreadPool pool_{12};
     ThreadPool resolverPool_{12};
     SerialExecutor checkExecutor_{pool_};
-    SerialExecutor clientExecutor_{pool_};
     std::shared_ptr<ScriptedResolver> names_ = std::make_shared<ScriptedResolver>();
     std::stop_source shutdown_;
     BackgroundResolver resolver_{resolverPool_, names_, clock_, shutdown_.get_token()};
     CurlTransport transport_;
-    FreshHTTPClient client_{FreshHTTPServices{clientExecutor_, clock_, pool_, transport_, resolver_}};
+    FreshHTTPClient client_{FreshHTTPServices{checkExecutor_, clock_, pool_, transport_, resolver_}};
     WebsiteChecker checker_{client_, resolver_, clock_,
         [] { return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()); }};
 };

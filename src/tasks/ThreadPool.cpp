@@ -28,8 +28,16 @@ struct ThreadPool::State {
     std::map<std::thread::id, std::thread> running; ///< one for each of `threads`, while the pool lives
     std::vector<std::thread> ended;                 ///< to be joined by whoever comes by
 
+    /// One of the pool's threads, as it knows itself.
+    struct Worker {
+        const State* pool = nullptr;
+        bool hasNext = false; ///< it will take the piece that its present one has handed over
+    };
+    static thread_local Worker worker;
+
     void serve() {
         std::unique_lock lock(mutex);
+        worker.pool = this;
         while (true) {
             if (waiting.empty() && !closed) {
                 ++idle;
@@ -44,10 +52,20 @@ struct ThreadPool::State {
             work();
             work = nullptr;
             lock.lock();
+            worker.hasNext = false;
         }
         --threads;
         if (auto self = running.extract(std::this_thread::get_id())) ended.push_back(std::move(self.mapped()));
         workEnded.notify_all();
+    }
+
+    /// Whether the thread that hands over the only waiting piece will take it itself. A piece is usually handed
+    /// over by one that is about to end, as a check goes from owner to owner, and waking a thread costs more than
+    /// such a piece.
+    bool isTakenByWorker() {
+        if (worker.pool != this || worker.hasNext || waiting.size() != 1) return false;
+        worker.hasNext = true;
+        return true;
     }
 
     /// Comes back without work to a thread that is one too many.
@@ -67,6 +85,8 @@ struct ThreadPool::State {
             thread.join();
     }
 };
+
+thread_local ThreadPool::State::Worker ThreadPool::State::worker;
 
 ThreadPool::ThreadPool(std::size_t maximumThreads, std::chrono::milliseconds idleTime, std::size_t standingThreads)
     : state_(std::make_shared<State>(maximumThreads, idleTime, standingThreads)) {
@@ -91,6 +111,7 @@ void ThreadPool::run(std::function<void()> work) {
 
 void ThreadPool::hire(std::function<void()> work) {
     state_->waiting.push_back(std::move(work));
+    if (state_->isTakenByWorker()) return;
     if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) {
         state_->workArrived.notify_one();
         return;

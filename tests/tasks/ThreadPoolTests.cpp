@@ -197,17 +197,43 @@ TEST(APool, isIdleOnlyWhenNothingRunsAndNothingWaits) {
     EXPECT_EQ(pool.busyThreads(), 0u);
 }
 
+TEST(APool, letsAThreadTakeWhatItsPieceHandedOver) {
+    ThreadPool pool(4);
+    Events ran;
+    std::vector<std::thread::id> threads;
+    std::function<void(int)> handOver = [&](int left) {
+        threads.push_back(std::this_thread::get_id());
+        if (left > 0) pool.run([&, left] { handOver(left - 1); });
+        ran.happen();
+    };
+    pool.run([&] { handOver(50); });
+    ASSERT_TRUE(ran.waitFor(51));
+    EXPECT_EQ(threads, std::vector(51, threads.front()));
+}
+
+TEST(APool, letsOtherThreadsTakeWhatAPieceHandedOverWhenThatIsMoreThanOne) {
+    ThreadPool pool(4);
+    Events handedOver;
+    Events ended;
+    pool.run([&] {
+        for (int i = 0; i < 2; ++i)
+            pool.run([&] { handedOver.happen(); });
+        if (handedOver.waitFor(2)) ended.happen();
+    });
+    EXPECT_TRUE(ended.waitFor(1));
+}
+
 TEST(AStandingThread, runsEverythingThatComesOneByOne) {
     ThreadPool pool(4, milliseconds(0), 1);
     std::vector<std::thread::id> threads;
     for (int i = 0; i < 50; ++i) {
+        ASSERT_TRUE(pool.waitUntilIdle(generous));
         Events ran;
         pool.run([&] {
             threads.push_back(std::this_thread::get_id());
             ran.happen();
         });
         ASSERT_TRUE(ran.waitFor(1));
-        ASSERT_TRUE(pool.waitUntilIdle(generous));
     }
     EXPECT_EQ(threads, std::vector(50, threads.front()));
 }

@@ -12,7 +12,8 @@ namespace kestrin {
 
 namespace {
 
-// Two checks of a kind are in flight at most, each with one transfer; the rest is for loads and the serial owners.
+// Two checks of a kind are in flight at most, each with one transfer; the rest is for loads and the serial owner
+// of checks and requests, who is one and the same: changing between two would wake a thread each time.
 constexpr std::size_t workThreads = 12;
 // Where no further thread can be had, checks go on one by one on this one.
 constexpr std::size_t standingThreads = 1;
@@ -29,7 +30,7 @@ std::chrono::sys_seconds wallClockSeconds() {
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
     : pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads), checkExecutor_(pool_),
-      clientExecutor_(pool_), clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
+      clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
         return checker().checkWebsite(std::move(site), timeout);
     };
@@ -53,7 +54,7 @@ const WebsiteChecker& MonitoringGraph::checker() {
         const BackgroundResolver resolver(
             resolverPool_, std::make_shared<SystemNameResolver>(), clock_, shutdown_.get_token());
         transport_.emplace(TrustStore::systemBundles(), proxySettings_);
-        const FreshHTTPClient client(FreshHTTPServices{clientExecutor_, clock_, pool_, *transport_, resolver});
+        const FreshHTTPClient client(FreshHTTPServices{checkExecutor_, clock_, pool_, *transport_, resolver});
         checker_.emplace(client, resolver, clock_, wallClockSeconds);
     });
     return *checker_;

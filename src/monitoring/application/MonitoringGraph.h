@@ -39,7 +39,6 @@ private:
     ThreadPool pool_;
     ThreadPool resolverPool_;
     SerialExecutor checkExecutor_;
-    SerialExecutor clientExecutor_;
     std::stop_source shutdown_;
     Clock& clock_;
     ProxySettings proxySettings_; ///< read at launch, before other threads look at the environment
