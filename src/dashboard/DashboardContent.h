@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dashboard/StatusRow.h"
 #include "monitoring/AppModel.h"
 #include "text/LocaleFormats.h"
 
@@ -8,18 +9,6 @@
 #include <vector>
 
 namespace kestrin {
-
-/// One website's line in the popover. Every text is ready to be shown.
-struct WebsiteRow {
-    enum class State { Up, Down, NoData, Disabled };
-
-    std::string name;
-    State state = State::NoData;
-    std::string stateText;   ///< the state in words
-    std::string lastResult;  ///< what the last check saw; "No checks" when there was none
-    std::string lastChecked; ///< when that was and how long it took; empty without a check
-    bool operator==(const WebsiteRow&) const = default;
-};
 
 /// A message that takes the place of the list.
 struct DashboardPanel {
@@ -40,7 +29,8 @@ struct DashboardContent {
     std::string subtitle;
     std::optional<DashboardPanel> panel;
     std::vector<std::string> notices; ///< what needs the user's attention, most pressing first
-    std::vector<WebsiteRow> websites; ///< in configuration order; empty while a panel shows
+    std::vector<StatusRow> websites;  ///< in configuration order; empty while a panel shows
+    std::vector<StatusRow> services;  ///< in the order of a run; empty while they are switched off
     DashboardButton startStop;
     bool startStopStops = false; ///< the button stops monitoring
     DashboardButton checkNow;
@@ -50,8 +40,5 @@ struct DashboardContent {
 
 /// Computed anew from the model whenever it announces a change while the popover is open.
 [[nodiscard]] DashboardContent dashboardContent(const AppModel& model, const LocaleFormats& formats);
-
-/// One row, for a website with its history.
-[[nodiscard]] WebsiteRow websiteRow(const SiteSnapshot& snapshot, const LocaleFormats& formats);
 
 } // namespace kestrin

@@ -121,7 +121,7 @@ TEST_F(DashboardContentTest, aFailedAppendIsSaidUntilACycleWorksAgain) {
 }
 
 TEST_F(DashboardContentTest, aWebsiteWithoutChecksHasNoData) {
-    const WebsiteRow row = websiteRow(snapshotWith({}), formats);
+    const StatusRow row = websiteRow(snapshotWith({}), formats);
     EXPECT_EQ(row.stateText, "NO DATA");
     EXPECT_EQ(row.lastResult, "No checks");
     EXPECT_EQ(row.lastChecked, "");
@@ -132,8 +132,7 @@ TEST_F(DashboardContentTest, aWebsiteThatAnsweredShowsItsStatusTimeAndDuration) 
     record.up = true;
     record.httpStatus = 204;
     record.elapsedMS = 87;
-    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
-    EXPECT_EQ(row.state, WebsiteRow::State::Up);
+    const StatusRow row = websiteRow(snapshotWith({record}), formats);
     EXPECT_EQ(row.stateText, "UP");
     EXPECT_EQ(row.lastResult, "HTTP 204");
     EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
@@ -142,7 +141,7 @@ TEST_F(DashboardContentTest, aWebsiteThatAnsweredShowsItsStatusTimeAndDuration) 
 TEST_F(DashboardContentTest, aWebsiteThatDidNotAnswerShowsWhy) {
     CheckRecord record = checkAt("2026-01-31T09:05:00Z");
     record.error = "The connection was refused.";
-    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
+    const StatusRow row = websiteRow(snapshotWith({record}), formats);
     EXPECT_EQ(row.stateText, "DOWN");
     EXPECT_EQ(row.lastResult, "The connection was refused.");
     EXPECT_EQ(row.lastChecked, "09:05");
@@ -159,7 +158,7 @@ TEST_F(DashboardContentTest, aTimestampThatIsNoneIsShownAsItStands) {
 TEST_F(DashboardContentTest, aTextOfAnyLengthFromAFileIsCutToWhatCanBeRead) {
     CheckRecord record = checkAt(std::string(1'000'000, 'x'));
     record.error = std::string(8'000'000, '\n');
-    const WebsiteRow row = websiteRow(snapshotWith({record}), formats);
+    const StatusRow row = websiteRow(snapshotWith({record}), formats);
     EXPECT_LT(row.lastResult.size(), 500u);
     EXPECT_TRUE(row.lastResult.ends_with(" …"));
     EXPECT_LT(row.lastChecked.size(), 100u);
@@ -168,9 +167,63 @@ TEST_F(DashboardContentTest, aTextOfAnyLengthFromAFileIsCutToWhatCanBeRead) {
 TEST_F(DashboardContentTest, aDisabledWebsiteSaysSoBesideItsOldChecks) {
     SiteSnapshot snapshot = snapshotWith({checkAt("2026-01-31T09:05:00Z")});
     snapshot.site.enabled = false;
-    const WebsiteRow row = websiteRow(snapshot, formats);
+    const StatusRow row = websiteRow(snapshot, formats);
     EXPECT_EQ(row.stateText, "DISABLED");
     EXPECT_EQ(row.lastChecked, "09:05");
+}
+
+ProviderSnapshot serviceWith(std::vector<ProviderCheckRecord> checks) {
+    ProviderSnapshot snapshot;
+    snapshot.provider = FakeServices::serviceNamed("openai", "OpenAI");
+    for (const ProviderCheckRecord& check : checks)
+        snapshot.history.append(check);
+    return snapshot;
+}
+
+TEST_F(DashboardContentTest, aServiceWithoutChecksIsUnknown) {
+    const StatusRow row = serviceRow(serviceWith({}), formats);
+    EXPECT_EQ(row.name, "OpenAI");
+    EXPECT_EQ(row.stateText, "Unknown");
+    EXPECT_EQ(row.lastResult, "No status recorded yet");
+    EXPECT_EQ(row.lastChecked, "Not checked");
+}
+
+TEST_F(DashboardContentTest, aServiceShowsWhatItLastPublished) {
+    ProviderCheckRecord record;
+    record.timestamp = "2026-01-31T09:05:00Z";
+    record.elapsedMS = 87;
+    record.state = ProviderState::degraded;
+    record.summary = "Elevated errors";
+    const StatusRow row = serviceRow(serviceWith({record}), formats);
+    EXPECT_EQ(row.stateText, "Degraded");
+    EXPECT_EQ(row.lastResult, "Elevated errors");
+    EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
+}
+
+TEST_F(DashboardContentTest, servicesStandBelowTheWebsitesWhileTheyAreSwitchedOn) {
+    SiteConfiguration configuration = configurationOf({"site-1"});
+    configuration.providerStatus = {.enabled = true, .providerIDs = {"claude", "openai"}};
+    load(configuration);
+    ASSERT_EQ(content().services.size(), 2U);
+    EXPECT_EQ(content().services[0].name, "OpenAI");
+    EXPECT_EQ(content().services[1].name, "Claude");
+    EXPECT_EQ(content().websites.size(), 1U);
+
+    configuration.providerStatus.enabled = false;
+    writeSites(configuration);
+    model->reload();
+    settle();
+    EXPECT_TRUE(content().services.empty());
+}
+
+TEST_F(DashboardContentTest, servicesAloneCanBeChecked) {
+    SiteConfiguration configuration = configurationOf({});
+    configuration.providerStatus = {.enabled = true, .providerIDs = {"openai"}};
+    load(configuration);
+    EXPECT_FALSE(content().panel);
+    EXPECT_EQ(content().services.size(), 1U);
+    EXPECT_TRUE(content().startStop.enabled);
+    EXPECT_TRUE(content().checkNow.enabled);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "dashboard/view/PopoverView.h"
 
-#include "dashboard/view/WebsiteRowWidget.h"
-
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLayoutItem>
@@ -27,6 +25,22 @@ QLabel* wrappedLabel(QWidget* parent) {
     return label;
 }
 
+QVBoxLayout* addedColumn(QVBoxLayout* layout) {
+    auto* column = new QVBoxLayout;
+    layout->addLayout(column);
+    return column;
+}
+
+QLabel* addedHeading(QVBoxLayout* layout, const char* text) {
+    QLabel* label = wrappedLabel(layout->parentWidget());
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    label->setText(text);
+    layout->addWidget(label);
+    return label;
+}
+
 void showButton(QPushButton* button, const DashboardButton& content) {
     const QString label = QString::fromStdString(content.label);
     button->setText(label);
@@ -39,8 +53,10 @@ void showButton(QPushButton* button, const DashboardButton& content) {
 PopoverView::PopoverView(Actions actions, QWidget* parent)
     : QWidget(parent), title_(wrappedLabel(this)), subtitle_(wrappedLabel(this)), notices_(new QVBoxLayout),
       panel_(new QWidget(this)), panelTitle_(wrappedLabel(panel_)), panelDescription_(wrappedLabel(panel_)),
-      list_(new QScrollArea(this)), rowLayout_(nullptr), startStop_(new QPushButton(this)),
-      checkNow_(new QPushButton(this)), quit_(new QPushButton(this)) {
+      list_(new QScrollArea(this)), rows_(new QWidget), rowLayout_(new QVBoxLayout(rows_)),
+      websites_(addedColumn(rowLayout_)), servicesTitle_(addedHeading(rowLayout_, "Services")),
+      services_(addedColumn(rowLayout_)), startStop_(new QPushButton(this)), checkNow_(new QPushButton(this)),
+      quit_(new QPushButton(this)) {
     QFont heading = font();
     heading.setBold(true);
     panelTitle_->setFont(heading);
@@ -55,11 +71,9 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
     panelLayout->addWidget(panelDescription_);
     panelLayout->addStretch();
 
-    auto* rows = new QWidget;
-    rowLayout_ = new QVBoxLayout(rows);
     rowLayout_->setContentsMargins(0, 0, 8, 0);
     rowLayout_->addStretch();
-    list_->setWidget(rows);
+    list_->setWidget(rows_);
     list_->setWidgetResizable(true);
     list_->setFrameShape(QFrame::NoFrame);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -106,7 +120,8 @@ void PopoverView::show(const DashboardContent& content) {
     subtitle_->setText(QString::fromStdString(content.subtitle));
     if (!shown_ || shown_->notices != content.notices) showNotices(content.notices);
     showPanel(content.panel);
-    showWebsites(content.websites);
+    websites_.show(content.websites);
+    showServices(content.services);
     showButton(startStop_, content.startStop);
     showCheckNow(content.checkNow);
     showButton(quit_, content.quit);
@@ -135,6 +150,11 @@ void PopoverView::showPanel(const std::optional<DashboardPanel>& panel) {
     panel_->layout()->activate();
 }
 
+void PopoverView::showServices(const std::vector<StatusRow>& services) {
+    servicesTitle_->setVisible(!services.empty());
+    services_.show(services);
+}
+
 void PopoverView::showNotices(const std::vector<std::string>& notices) {
     while (QLayoutItem* item = notices_->takeAt(0)) {
         item->widget()->deleteLater();
@@ -146,25 +166,6 @@ void PopoverView::showNotices(const std::vector<std::string>& notices) {
         notices_->addWidget(label);
         label->setVisible(true);
     }
-}
-
-// Rows are kept and filled anew, so that a row keeps the keyboard's focus and a screen reader's place.
-void PopoverView::showWebsites(const std::vector<WebsiteRow>& websites) {
-    while (rows_.size() > websites.size()) {
-        rows_.back()->deleteLater();
-        rowLayout_->removeWidget(rows_.back());
-        rows_.pop_back();
-    }
-    while (rows_.size() < websites.size()) {
-        auto* row = new WebsiteRowWidget;
-        rowLayout_->insertWidget(static_cast<int>(rows_.size()), row);
-        // Left to the layout it would be shown in a later turn, and would not count until then.
-        row->setVisible(true);
-        rows_.push_back(row);
-    }
-    for (std::size_t index = 0; index < websites.size(); ++index)
-        if (!shown_ || index >= shown_->websites.size() || shown_->websites[index] != websites[index])
-            rows_[index]->show(websites[index]);
 }
 
 } // namespace kestrin

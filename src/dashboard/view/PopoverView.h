@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dashboard/DashboardContent.h"
+#include "dashboard/view/StatusRowList.h"
 
 #include <QWidget>
 #include <functional>
@@ -13,8 +14,6 @@ class QScrollArea;
 class QVBoxLayout;
 
 namespace kestrin {
-
-class WebsiteRowWidget;
 
 /// Draws a `DashboardContent` and passes on what the user did. Knows neither the model nor the window around it.
 class PopoverView : public QWidget {
@@ -34,7 +33,7 @@ private:
     void showCheckNow(const DashboardButton& content);
     void showPanel(const std::optional<DashboardPanel>& panel);
     void showNotices(const std::vector<std::string>& notices);
-    void showWebsites(const std::vector<WebsiteRow>& websites);
+    void showServices(const std::vector<StatusRow>& services);
 
     std::optional<DashboardContent> shown_;
     QLabel* title_;
@@ -44,8 +43,11 @@ private:
     QLabel* panelTitle_;
     QLabel* panelDescription_;
     QScrollArea* list_;
+    QWidget* rows_; ///< what the list scrolls
     QVBoxLayout* rowLayout_;
-    std::vector<WebsiteRowWidget*> rows_;
+    StatusRowList websites_;
+    QLabel* servicesTitle_;
+    StatusRowList services_;
     QPushButton* startStop_;
     QPushButton* checkNow_;
     bool checkNowAwaitsFocus_ = false;

@@ -1,4 +1,4 @@
-#include "dashboard/view/WebsiteRowWidget.h"
+#include "dashboard/view/StatusRowWidget.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -18,7 +18,7 @@ QLabel* plainLabel(QWidget* parent) {
 
 } // namespace
 
-WebsiteRowWidget::WebsiteRowWidget(QWidget* parent)
+StatusRowWidget::StatusRowWidget(QWidget* parent)
     : QFrame(parent), name_(plainLabel(this)), state_(new QLabel(this)), lastResult_(plainLabel(this)),
       lastChecked_(new QLabel(this)) {
     QFont bold = font();
@@ -38,7 +38,7 @@ WebsiteRowWidget::WebsiteRowWidget(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
 }
 
-void WebsiteRowWidget::show(const WebsiteRow& row) {
+void StatusRowWidget::show(const StatusRow& row) {
     const QString name = QString::fromStdString(row.name);
     const QString state = QString::fromStdString(row.stateText);
     const QString lastResult = QString::fromStdString(row.lastResult);
