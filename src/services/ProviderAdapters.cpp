@@ -89,8 +89,9 @@ std::vector<WebURL> statusEndpoints(
     for (const std::string_view path : adapter->paths) {
         if (path.empty()) continue;
         endpoint.path = path;
-        // Split again, so that whoever contacts it reads the same host as was meant here.
-        if (auto built = splitURL(joinURL(endpoint))) endpoints.push_back(*std::move(built));
+        endpoint.text = joinURL(endpoint);
+        // Whoever contacts it must read the parts that were meant here; a host that is none could break out.
+        if (splitURL(endpoint.text) == endpoint) endpoints.push_back(endpoint);
     }
     return endpoints;
 }
