@@ -3,56 +3,58 @@
 #include "destinations/CustomProviderURLPolicy.h"
 #include "services/CustomProviderStoreError.h"
 #include "services/IncludedServices.h"
+#include "services/ProviderAdapters.h"
+#include "services/ServiceTable.h"
 
-#include <array>
 #include <string>
-#include <utility>
 
 namespace kestrin {
 
 namespace {
 
-struct IncludedService {
-    const char* id;
-    const char* name;
-    const char* page;
-};
-
-constexpr std::array<IncludedService, 2> includedTable = {{
-    {"openai", "OpenAI", "https://status.openai.com/"},
-    {"claude", "Claude", "https://status.claude.com/"},
-}};
-
-constexpr std::array<const char*, 2> statuspagePaths = {"api/v2/status.json", "api/v2/summary.json"};
-
-ProviderDefinition definitionOf(const IncludedService& row) {
+ProviderDefinition definitionOf(const IncludedServiceRow& row) {
     ProviderDefinition service;
     service.id = row.id;
     service.name = row.name;
     service.adapter = {"statuspage-v2", 1};
-    for (const char* path : statuspagePaths)
-        service.statusURLs.push_back(validatedCustomProviderURL(std::string(row.page) + path));
     service.publicStatusURL = validatedCustomProviderURL(row.page);
+    service.statusURLs = statusEndpoints(service.publicStatusURL, service.adapter.id, service.adapter.version);
     service.source = ProviderSource::bundledOfficial;
     return service;
+}
+
+std::vector<ProviderDefinition> allDefinitions() {
+    std::vector<ProviderDefinition> services;
+    for (const IncludedServiceRow& row : includedServiceTable)
+        services.push_back(definitionOf(row));
+    return services;
 }
 
 } // namespace
 
 std::vector<std::string> includedServiceIDs() {
     std::vector<std::string> ids;
-    for (const IncludedService& row : includedTable)
+    for (const IncludedServiceRow& row : includedServiceTable)
         ids.emplace_back(row.id);
     return ids;
 }
 
-KnownServices::KnownServices() {
-    for (const IncludedService& row : includedTable)
-        included_.push_back(definitionOf(row));
+const std::vector<ProviderDefinition>& bundledProviderDefinitions() {
+    static const std::vector<ProviderDefinition> services = allDefinitions();
+    return services;
 }
 
-ProviderDefinition KnownServices::definition(const CustomProviderDefinition&) const {
-    throw CustomProviderStoreError("This status-service adapter needs a newer Kestrin version.");
+ProviderDefinition KnownServices::definition(const CustomProviderDefinition& stored) const {
+    ProviderDefinition service;
+    service.publicStatusURL = validatedCustomProviderURL(stored.statusPageURL);
+    service.adapter = {stored.adapter, stored.adapterVersion};
+    service.statusURLs = statusEndpoints(service.publicStatusURL, stored.adapter, stored.adapterVersion);
+    if (!isSupportedProviderAdapter(stored.adapter, stored.adapterVersion))
+        throw CustomProviderStoreError("This status-service adapter needs a newer Kestrin version.");
+    service.id = stored.id;
+    service.name = stored.name;
+    service.source = ProviderSource::custom;
+    return service;
 }
 
 } // namespace kestrin

@@ -1,7 +1,9 @@
 #include "services/KnownServices.h"
 
+#include "destinations/CustomProviderURLPolicy.h"
 #include "services/CustomProviderStoreError.h"
 #include "services/IncludedServices.h"
+#include "services/ProviderAdapters.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -20,6 +22,13 @@ Words idsOf(const std::vector<ProviderDefinition>& services) {
     return ids;
 }
 
+Words textsOf(const std::vector<WebURL>& urls) {
+    Words texts;
+    for (const WebURL& url : urls)
+        texts.push_back(url.text);
+    return texts;
+}
+
 CustomProviderDefinition addedService(const std::string& id, bool enabled = true) {
     return {.id = id,
         .name = "Added " + id,
@@ -29,23 +38,14 @@ CustomProviderDefinition addedService(const std::string& id, bool enabled = true
         .enabled = enabled};
 }
 
-/// Knows every added service, unlike the directory of this build.
-class GenerousDirectory : public ServiceDirectory {
-public:
-    [[nodiscard]] const std::vector<ProviderDefinition>& includedServices() const override {
-        return known_.includedServices();
+template <class Error> std::string refusal(const CustomProviderDefinition& stored) {
+    try {
+        (void)KnownServices().definition(stored);
+    } catch (const Error& error) {
+        return error.message;
     }
-    [[nodiscard]] ProviderDefinition definition(const CustomProviderDefinition& stored) const override {
-        if (stored.adapter == "unknown") throw CustomProviderStoreError("The adapter is not known.");
-        ProviderDefinition service;
-        service.id = stored.id;
-        service.source = ProviderSource::custom;
-        return service;
-    }
-
-private:
-    KnownServices known_;
-};
+    return "not refused";
+}
 
 TEST(KnownServices, comeInTheirFixedOrder) {
     const KnownServices known;
@@ -69,14 +69,60 @@ TEST(KnownServices, areCompleteDefinitionsWithPublicAddresses) {
     }
 }
 
-TEST(KnownServices, cannotCheckAnAddedServiceYet) {
-    const KnownServices known;
-    try {
-        (void)known.definition(addedService("provider-1"));
-        FAIL() << "no adapter of this build serves it";
-    } catch (const CustomProviderStoreError& error) {
-        EXPECT_EQ(error.message, "This status-service adapter needs a newer Kestrin version.");
+TEST(KnownServices, areBuiltOnce) {
+    EXPECT_EQ(&bundledProviderDefinitions(), &bundledProviderDefinitions());
+    EXPECT_EQ(&KnownServices().includedServices(), &bundledProviderDefinitions());
+}
+
+TEST(TheDefinitionOfAnAddedService, takesItsRecordAndBothEndpointsOfAStatuspage) {
+    const ProviderDefinition service = KnownServices().definition(addedService("provider-1"));
+    EXPECT_EQ(service.id, "provider-1");
+    EXPECT_EQ(service.name, "Added provider-1");
+    EXPECT_EQ(service.adapter, (ProviderAdapterIdentity{"statuspage-v2", 1}));
+    EXPECT_EQ(service.source, ProviderSource::custom);
+    EXPECT_EQ(service.publicStatusURL, validatedCustomProviderURL("https://status.example.com/"));
+    EXPECT_EQ(textsOf(service.statusURLs),
+        (Words{"https://status.example.com/api/v2/status.json", "https://status.example.com/api/v2/summary.json"}));
+}
+
+TEST(TheDefinitionOfAnAddedService, knowsEveryFeedFormatThereIs) {
+    for (const ProviderAdapterIdentity& adapter : supportedProviderAdapters()) {
+        CustomProviderDefinition stored = addedService("provider-1");
+        stored.adapter = adapter.id;
+        stored.statusPageURL = "https://slack-status.com/some/page";
+        const ProviderDefinition service = KnownServices().definition(stored);
+        EXPECT_EQ(service.adapter, adapter);
+        EXPECT_EQ(service.statusURLs, statusEndpoints(service.publicStatusURL, adapter.id, adapter.version));
+        EXPECT_FALSE(service.statusURLs.empty()) << adapter.id;
     }
+}
+
+TEST(TheDefinitionOfAnAddedService, hasNoEndpointWhereItsFormatIsNotSpoken) {
+    CustomProviderDefinition stored = addedService("provider-1");
+    stored.adapter = "slack-status-v2";
+    EXPECT_EQ(KnownServices().definition(stored).statusURLs, std::vector<WebURL>());
+}
+
+TEST(TheDefinitionOfAnAddedService, needsANewerProgramForAnAdapterThatIsNotKnown) {
+    const std::string newer = "This status-service adapter needs a newer Kestrin version.";
+    CustomProviderDefinition stored = addedService("provider-1");
+    stored.adapter = "statuspage-v3";
+    EXPECT_EQ(refusal<CustomProviderStoreError>(stored), newer);
+    stored.adapter = "Statuspage-v2";
+    EXPECT_EQ(refusal<CustomProviderStoreError>(stored), newer);
+    stored.adapter = "statuspage-v2";
+    stored.adapterVersion = 2;
+    EXPECT_EQ(refusal<CustomProviderStoreError>(stored), newer);
+}
+
+TEST(TheDefinitionOfAnAddedService, judgesThePageBeforeTheAdapter) {
+    CustomProviderDefinition stored = addedService("provider-1");
+    stored.adapter = "unknown";
+    stored.statusPageURL = "http://status.example.com/";
+    EXPECT_EQ(refusal<CustomProviderURLPolicy::ValidationError>(stored), "Public status page URLs must use HTTPS.");
+    stored.statusPageURL = "https://10.0.0.1/";
+    EXPECT_EQ(refusal<CustomProviderURLPolicy::ValidationError>(stored),
+        "Private, local, and reserved status destinations are blocked.");
 }
 
 TEST(ServicesOfARun, areTheIncludedOnesSelectedInTheirOwnOrder) {
@@ -92,7 +138,7 @@ TEST(ServicesOfARun, passOverIdentifiersThatNobodyKnowsAndRepetitions) {
 }
 
 TEST(ServicesOfARun, areFollowedByTheEnabledAddedOnesInFileOrder) {
-    const GenerousDirectory directory;
+    const KnownServices directory;
     CustomProviderConfiguration added;
     added.providers = {addedService("provider-3"), addedService("provider-2", false), addedService("provider-1")};
     const auto services = servicesOfRun(directory, {"claude"}, added);
@@ -100,8 +146,19 @@ TEST(ServicesOfARun, areFollowedByTheEnabledAddedOnesInFileOrder) {
     EXPECT_EQ(services.back().source, ProviderSource::custom);
 }
 
+TEST(ServicesOfARun, mayHaveTwoAddedOnesWithTheSameName) {
+    const KnownServices directory;
+    CustomProviderConfiguration added;
+    added.providers = {addedService("provider-1"), addedService("provider-2")};
+    added.providers[0].name = added.providers[1].name = "Twin";
+    added.providers[1].statusPageURL = "https://status.example.org/";
+    const auto services = servicesOfRun(directory, {}, added);
+    EXPECT_EQ(idsOf(services), (Words{"provider-1", "provider-2"}));
+    EXPECT_EQ(services[0].name, services[1].name);
+}
+
 TEST(ServicesOfARun, failWithTheFirstAddedOneThatCannotBeBuilt) {
-    const GenerousDirectory directory;
+    const KnownServices directory;
     CustomProviderConfiguration added;
     added.providers = {addedService("provider-1"), addedService("provider-2")};
     added.providers[1].adapter = "unknown";
