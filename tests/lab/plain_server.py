@@ -57,8 +57,16 @@ def _server(root, name, certificate, pages, port, suffix=""):
 
 def _location(page):
     # Without a text nginx answers a status of its own choice to some of these, with one it sends the number as it is.
-    text = page.location or ("" if page.status in (204, 304) else "lab")
-    return f'location = {page.path} {{ return {page.status} "{text}"; }}'
+    text = page.location or page.body or ("" if page.status in (204, 304) else "lab")
+    kind = _quoted(page.content_type)
+    return f"location = {page.path} {{ default_type {kind}; return {page.status} {_quoted(text)}; }}"
+
+
+def _quoted(text):
+    # nginx takes no word longer than its buffer, and a dollar sign for the name of a variable.
+    if "$" in text or len(text) > 4000:
+        raise ValueError(f"nginx cannot be told to answer {text[:40]!r}")
+    return "'" + text.replace("\\", "\\\\").replace("'", "\\'") + "'"
 
 
 def _indented(lines):

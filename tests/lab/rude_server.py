@@ -21,10 +21,11 @@ async def serve_talks(hosts, certificate, log):
     context.set_alpn_protocols(["http/1.1"])
 
     async def connected(reader, writer):
-        with _logged(log, "rude", writer):
+        with _logged(log, "rude", writer) as number:
             head = (await reader.readuntil(b"\r\n\r\n")).decode("latin-1").split("\r\n")
             host, target, steps = _chosen(hosts, head)
-            log("request", server="rude", host=host, target=target, head=[line for line in head if line])
+            log("request", server="rude", connection=number, host=host, target=target,
+                head=[line for line in head if line])
             await _act_while_heard(steps, reader, writer)
 
     return [await asyncio.start_server(connected, address, HTTPS, ssl=context, limit=1 << 20)
@@ -62,7 +63,7 @@ def _logged(log, server, writer):
     log("open", server=server, connection=number, address=writer.get_extra_info("sockname")[0])
     try:
         with contextlib.suppress(ConnectionError, asyncio.IncompleteReadError, asyncio.LimitOverrunError, ssl.SSLError):
-            yield
+            yield number
     finally:
         writer.close()
         log("close", server=server, connection=number)

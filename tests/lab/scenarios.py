@@ -1,24 +1,16 @@
 """The sites of the private internet and what a monitor must write about each of them.
 
-Everything is made from this table: the zone of the name server, the certificates, both web servers, "sites.json"
-and the expected history lines. To add a site, add a line here.
+Everything is made from this table and from that of services.py: the zone of the name server, the certificates, both
+web servers, "sites.json" and the expected history lines. To add a site, add a line here.
 """
 
 import dataclasses
 import itertools
 
+import services
 from addresses import *
+from sentences import *
 from table import *
-
-BLOCKED = "Private or reserved network destination blocked"
-PRIVATE_URL = "Private, local, and reserved network destinations are blocked."
-TIMED_OUT = "The request timed out."
-LOST = "The connection was lost."
-INVALID = "The server sent an invalid response."
-INSECURE = "A secure connection could not be made."
-NO_HTTP = "Non-HTTP response"
-MISSING = "Redirect blocked: missing destination URL"
-TRY_AGAIN = "DNS: Temporary failure in name resolution"
 
 OK = b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"
 FOUND = b"HTTP/1.1 302 Found\r\nContent-Length: 0\r\n"
@@ -172,7 +164,7 @@ def names():
     def one(id, *rest, **more):
         return site("names", id, *rest, **more)
 
-    yield one("unknown-name", unresolved("DNS: Name or service not known"), only_named(failure="unknown"))
+    yield one("unknown-name", unresolved(UNKNOWN_NAME), only_named(failure="unknown"))
     yield one("no-address", unresolved("DNS: No address associated with hostname"), only_named())
     yield one("servfail", unresolved(TRY_AGAIN), only_named(failure="servfail"))
     yield one("name-refused", unresolved(TRY_AGAIN), only_named(failure="refused"))
@@ -190,7 +182,7 @@ def names():
 
 
 def certificates():
-    for id, error in (("expired", "The server certificate has expired."),
+    for id, error in (("expired", EXPIRED),
                       ("not-yet-valid", "The server certificate is not valid yet."),
                       ("wrong-host", "The server certificate is for another host."),
                       ("self-signed", "The server certificate is not trusted."),
@@ -240,7 +232,8 @@ def crowd():
 
 GROUPS = (statuses, addressing, privacy, redirects, names, certificates, transport, crowd)
 SCENARIOS = tuple(scenario for group in GROUPS for scenario in group())
-HOSTS = {name: host for scenario in SCENARIOS for name, host in scenario.hosts.items()}
+SITE_HOSTS = {name: host for scenario in SCENARIOS for name, host in scenario.hosts.items()}
+HOSTS = {**SITE_HOSTS, **services.HOSTS}
 
 # What listeners without TLS do, by address.
 RAW = {

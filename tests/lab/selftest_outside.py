@@ -10,7 +10,8 @@ import time
 import unittest
 
 import scenarios
-from compare import KEYS
+import services
+from compare import KEYS, SERVICE_KEYS
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOTS = pathlib.Path("/etc/ssl/certs/ca-certificates.crt")
@@ -167,4 +168,75 @@ class Comparing(unittest.TestCase):
             self.assertRegex(identifier, "^[a-z0-9][a-z0-9_-]*$")
 
 
-CASES = (Entering, Comparing)
+def service_line_as_expected(service):
+    """A history line that the table admits."""
+    expected = service.expected
+    record = {"timestamp": "2026-01-31T09:05:00Z", "provider_id": service.id, "endpoint": service.endpoint(),
+              "http_status": expected.http_status, "elapsed_ms": expected.at_least_ms, "state": expected.state,
+              "summary": expected.summary, "official_updated_at": expected.official_updated_at,
+              "error": expected.error, "failure_category": expected.failure_category}
+    return {key: value for key, value in record.items() if value is not None}
+
+
+class ComparingServices(unittest.TestCase):
+    def setUp(self):
+        self.directory = tempfile.TemporaryDirectory()
+        self.addCleanup(self.directory.cleanup)
+        self.state = pathlib.Path(self.directory.name, "Kestrin")
+        (self.state / "data" / "providers").mkdir(parents=True)
+
+    def write(self, service, record, times=1):
+        (self.state / "data" / "providers" / f"{service.id}.jsonl").write_text((json.dumps(record) + "\n") * times)
+
+    def compare(self, *arguments):
+        return subprocess.run([HERE / "compare.py", self.state, *arguments], capture_output=True, text=True)
+
+    def test_the_services_written_are_the_services_compared(self):
+        subprocess.run([HERE / "write_sites", self.state, "--only", "status-200", "--services", "openai", "moved",
+                        "instatus"], check=True)
+        (site,) = scenarios.selected(["status-200"])
+        (self.state / "data" / "status-200.jsonl").write_text(json.dumps(line_as_expected(site)) + "\n")
+        for service in services.selected(["openai", "moved", "instatus"]):
+            self.write(service, service_line_as_expected(service))
+        done = self.compare("--lines", "1")
+        self.assertEqual((done.returncode, done.stdout),
+                         (0, "1 of 1 sites are as expected\n3 of 3 services are as expected\n"))
+        self.assertEqual(self.compare("--lines", "2").returncode, 1)
+        added = json.loads((self.state / "custom-providers.json").read_text())
+        self.assertEqual([one["name"] for one in added["providers"]], ["Instatus", "Moved"])
+
+    def test_without_services_nothing_is_switched_on_and_nothing_added(self):
+        subprocess.run([HERE / "write_sites", self.state, "--only", "status-200"], check=True)
+        self.assertEqual(json.loads((self.state / "sites.json").read_text())["provider_status"],
+                         {"enabled": False, "provider_ids": []})
+        self.assertFalse((self.state / "custom-providers.json").exists())
+        self.assertEqual(services.configured(self.state), [])
+
+    def test_history_as_the_table_says_is_accepted(self):
+        for service in services.SERVICES:
+            self.write(service, service_line_as_expected(service), 5)
+        done = self.compare("--services", "*", "--lines", "5")
+        self.assertEqual(done.returncode, 0, done.stdout)
+
+    def test_every_field_that_differs_is_told(self):
+        (service,) = services.selected(["drips"])
+        wrong = {"timestamp": "now", "provider_id": "x", "endpoint": "https://x/", "http_status": 200.0,
+                 "elapsed_ms": 3, "state": "degraded", "summary": "Fine", "official_updated_at": "never",
+                 "error": "", "failure_category": "unavailable"}
+        self.assertEqual(tuple(wrong), SERVICE_KEYS)
+        for key in SERVICE_KEYS:
+            with self.subTest(key):
+                self.write(service, service_line_as_expected(service) | {key: wrong[key]})
+                done = self.compare("--services", service.label)
+                self.assertEqual(done.returncode, 1)
+                self.assertIn(f"{key}: ", done.stdout)
+
+    def test_a_field_too_many_and_fields_in_another_order_are_told(self):
+        (service,) = services.selected(["openai"])
+        record = service_line_as_expected(service)
+        for other in (record | {"error": ""}, record | {"more": 1}, dict(reversed(record.items()))):
+            self.write(service, other)
+            self.assertEqual(self.compare("--services", "openai").returncode, 1)
+
+
+CASES = (Entering, Comparing, ComparingServices)

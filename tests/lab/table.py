@@ -26,6 +26,8 @@ class Page:
     status: int
     location: str = ""
     path: str = "/"
+    body: str = ""
+    content_type: str = "text/plain"
 
 
 # What the badly behaved server does after a request for one path: steps in order, then it closes the connection.

@@ -1,0 +1,13 @@
+"""What the program says of a trouble, letter by letter."""
+
+BLOCKED = "Private or reserved network destination blocked"
+PRIVATE_URL = "Private, local, and reserved network destinations are blocked."
+TIMED_OUT = "The request timed out."
+LOST = "The connection was lost."
+INVALID = "The server sent an invalid response."
+INSECURE = "A secure connection could not be made."
+EXPIRED = "The server certificate has expired."
+NO_HTTP = "Non-HTTP response"
+MISSING = "Redirect blocked: missing destination URL"
+UNKNOWN_NAME = "DNS: Name or service not known"
+TRY_AGAIN = "DNS: Temporary failure in name resolution"
