@@ -1,19 +1,17 @@
 #include "state/AtomicStateFile.h"
 #include "state/FileDescriptor.h"
+#include "state/FileMode.h"
 #include "state/StandardizedPath.h"
 #include "state/TemporaryFile.h"
 #include "state/WriteAll.h"
 #include "json/JSONWriter.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kestrin {
 
 namespace {
-
-constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
 
 void sync(int descriptor) {
     if (::fsync(descriptor) != 0) throwPOSIXError();
@@ -41,7 +39,7 @@ void AtomicStateFile::syncDirectory(const std::filesystem::path& url) {
 
 void AtomicStateFile::writeNewFile(
     std::string_view data, const std::filesystem::path& url, std::string_view message) {
-    TemporaryFile file(url, ownerOnly);
+    TemporaryFile file(url, ownerOnlyFileMode);
     writeAllAndSync(data, file.descriptor(), message);
     file.keep();
 }
@@ -61,7 +59,7 @@ void AtomicStateFile::replaceFile(const JSONValue& value, const std::filesystem:
     requireReplaceable(kind, rules);
     requireUnchanged(rememberedKind.value_or(kind), kind, rules);
 
-    TemporaryFile temporary(directory / (std::string(rules.prefix) + makeUUID() + ".tmp"), ownerOnly);
+    TemporaryFile temporary(directory / (std::string(rules.prefix) + makeUUID() + ".tmp"), ownerOnlyFileMode);
     writeAllAndSync(text, temporary.descriptor(), rules.unsafePathMessage);
     requireUnchanged(kind, fileKind(target), rules);
     temporary.renameTo(target);

@@ -13,10 +13,6 @@ std::filesystem::path configurationFilePath(const std::filesystem::path& root) {
     return standardizedPath(root / "sites.json");
 }
 
-std::filesystem::path backupDirectoryPath(const std::filesystem::path& root) {
-    return standardizedPath(root / "backups");
-}
-
 std::string readConfigurationFile(const std::filesystem::path& path) {
     try {
         return AtomicStateFile::readBounded(

@@ -7,10 +7,8 @@
 namespace kestrin {
 
 inline constexpr std::string_view configurationIsNotRegular = "Kestrin's sites.json is not a regular file.";
-inline constexpr std::string_view backupPathIsNoDirectory = "Kestrin's backup path is not a regular directory.";
 
 [[nodiscard]] std::filesystem::path configurationFilePath(const std::filesystem::path& root);
-[[nodiscard]] std::filesystem::path backupDirectoryPath(const std::filesystem::path& root);
 
 /// The whole of "sites.json" or of a backup, however large. Throws `ConfigurationReadError` for anything but a
 /// regular file, `POSIXError` when it cannot be read.

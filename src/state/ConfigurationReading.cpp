@@ -1,13 +1,13 @@
 #include "state/AtomicStateFile.h"
+#include "state/BackupFiles.h"
 #include "state/ConfigurationFile.h"
+#include "state/DirectoryListing.h"
 #include "state/SafeIdentifier.h"
 #include "state/SiteConfigurationCoding.h"
 #include "state/StandardizedPath.h"
 #include "state/StateReader.h"
 #include "json/JSONError.h"
 #include "json/JSONParser.h"
-
-#include <system_error>
 
 namespace kestrin {
 
@@ -25,19 +25,13 @@ bool rootExists(const std::filesystem::path& root) {
     }
 }
 
-std::filesystem::directory_iterator entries(const std::filesystem::path& directory) {
-    std::error_code error;
-    std::filesystem::directory_iterator iterator(directory, error);
-    while (error == std::errc::interrupted)
-        iterator = std::filesystem::directory_iterator(directory, error);
-    if (error) throw POSIXError(error.value());
-    return iterator;
-}
-
-void advance(std::filesystem::directory_iterator& iterator) {
-    std::error_code error;
-    iterator.increment(error);
-    if (error) throw POSIXError(error.value());
+/// Of whatever kind. Throws `ConfigurationReadError` when they cannot be where they belong.
+std::vector<std::filesystem::path> backupsOf(const std::filesystem::path& root) {
+    try {
+        return backupEntries(root);
+    } catch (const AtomicStateFileError& error) {
+        throw ConfigurationReadError(error.message);
+    }
 }
 
 /// The configuration in a backup; no value for a file that cannot be read or is none, such as a backup of the
@@ -91,25 +85,15 @@ ConfigurationLoadResult StateReader::loadConfiguration() const {
     default:
         throw ConfigurationReadError(std::string(configurationIsNotRegular));
     }
-    if (entries(standardizedPath(rootURL_)) != std::filesystem::directory_iterator())
+    if (!entriesOf(standardizedPath(rootURL_)).empty())
         throw ConfigurationReadError("Kestrin's state directory contains data but is missing sites.json.");
     return ConfigurationLoadResult::notConfigured();
 }
 
 std::set<std::string> StateReader::knownBackupSiteIDs() const {
-    const std::filesystem::path directory = backupDirectoryPath(rootURL_);
-    switch (AtomicStateFile::fileKind(directory)) {
-    case StateFileKind::missing:
-        return {};
-    case StateFileKind::directory:
-        break;
-    default:
-        throw ConfigurationReadError(std::string(backupPathIsNoDirectory));
-    }
     std::set<std::string> ids;
-    for (auto entry = entries(directory); entry != std::filesystem::directory_iterator(); advance(entry)) {
-        const std::filesystem::path& path = entry->path();
-        if (path.extension() != ".json" || !isReadableBackup(path)) continue;
+    for (const std::filesystem::path& path : backupsOf(rootURL_)) {
+        if (!isReadableBackup(path)) continue;
         const auto backup = readBackup(path);
         if (!backup) continue;
         for (const SiteDefinition& site : backup->sites)

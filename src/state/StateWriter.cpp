@@ -1,16 +1,17 @@
 #include "state/StateWriter.h"
 
 #include "state/AtomicStateFile.h"
+#include "state/BackupFiles.h"
 #include "state/ConfigurationFile.h"
+#include "state/FileMode.h"
 #include "state/HistoryAppending.h"
+#include "state/LastingDirectory.h"
 #include "state/SiteConfigurationCoding.h"
 #include "state/StandardizedPath.h"
 #include "state/TemporaryFile.h"
 #include "state/WholeFileCreation.h"
-#include "text/Timestamp.h"
 #include "json/JSONWriter.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <string_view>
@@ -20,36 +21,11 @@ namespace kestrin {
 
 namespace {
 
-constexpr mode_t defaultMode = 0666;
-
-std::filesystem::path backupPath(const std::filesystem::path& directory, const std::string& stamp, int attempt) {
-    const std::string counter = attempt == 1 ? "" : "-" + std::to_string(attempt);
-    return directory / ("sites-" + stamp + counter + ".json");
-}
-
 void replace(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
-    TemporaryFile temporary(root / (".sites-" + freshUUID() + ".tmp"), defaultMode);
+    TemporaryFile temporary(root / (".sites-" + freshUUID() + ".tmp"), defaultFileMode);
     AtomicStateFile::writeAllAndSync(text, temporary.descriptor(), "The disk took no data.");
     temporary.renameTo(file);
     AtomicStateFile::syncDirectory(root);
-}
-
-/// Puts a directory's own name on the disk. By "..", so that a parent that is a link does not matter; one that may
-/// only be passed through cannot be flushed and is no reason to refuse a save.
-void syncNameOf(const std::filesystem::path& directory) {
-    try {
-        AtomicStateFile::syncDirectory(directory / "..");
-    } catch (const POSIXError& error) {
-        if (error.code != EACCES) throw;
-    }
-}
-
-/// Leaves a real directory there whose name, with those of new parents, is on the disk.
-void ensureLastingDirectory(const std::filesystem::path& directory, std::string_view message) {
-    if (AtomicStateFile::fileKind(directory) == StateFileKind::missing)
-        for (const std::filesystem::path& made : createDirectories(directory))
-            syncNameOf(made);
-    AtomicStateFile::ensureDirectory(directory, IfMissing::Refuse, message);
 }
 
 /// Copies the present file under a name that no backup has yet. Copy and directory are on the disk before the file
@@ -59,18 +35,7 @@ std::filesystem::path makeBackup(
     const std::string content = readConfigurationFile(file);
     const std::filesystem::path directory = backupDirectoryPath(root);
     ensureLastingDirectory(directory, backupPathIsNoDirectory);
-    std::string stamp = timestampText(now);
-    std::ranges::replace(stamp, ':', '-');
-    for (int attempt = 1;; ++attempt) {
-        std::filesystem::path path = backupPath(directory, stamp, attempt);
-        if (AtomicStateFile::fileKind(path) != StateFileKind::missing) continue;
-        try {
-            createWholeFile(content, path, directory, Durability::Synced);
-            return path;
-        } catch (const POSIXError& error) {
-            if (error.code != EEXIST) throw; // another program took the name meanwhile
-        }
-    }
+    return createBackup(content, directory, "sites-", now, defaultFileMode);
 }
 
 /// Whether a temporary cannot be made beside the state directory and renamed into it, because the parent takes no

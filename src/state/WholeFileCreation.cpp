@@ -15,7 +15,6 @@ namespace kestrin {
 
 namespace {
 
-constexpr mode_t defaultMode = 0666;
 constexpr std::string_view nothingWritten = "The disk took no data.";
 
 void write(std::string_view data, int descriptor, Durability durability) {
@@ -48,9 +47,10 @@ bool giveName(const FileDescriptor& file, const std::filesystem::path& destinati
 }
 
 /// False where the file system or the machine cannot do it; nothing is left then.
-bool createNameless(std::string_view data, const std::filesystem::path& destination, Durability durability) {
+bool createNameless(
+    std::string_view data, const std::filesystem::path& destination, Durability durability, mode_t mode) {
     try {
-        FileDescriptor file = FileDescriptor::open(destination.parent_path(), O_WRONLY | O_TMPFILE, defaultMode);
+        FileDescriptor file = FileDescriptor::open(destination.parent_path(), O_WRONLY | O_TMPFILE, mode);
         write(data, file.get(), durability);
         const bool isNamed = giveName(file, destination);
         finish(file, durability);
@@ -64,15 +64,15 @@ bool createNameless(std::string_view data, const std::filesystem::path& destinat
 } // namespace
 
 void createWholeFile(std::string_view data, const std::filesystem::path& destination,
-    const std::filesystem::path& temporaryDirectory, Durability durability) {
-    if (!createNameless(data, destination, durability))
-        return createWholeFileUnderTemporaryName(data, destination, temporaryDirectory, durability);
+    const std::filesystem::path& temporaryDirectory, Durability durability, mode_t mode) {
+    if (!createNameless(data, destination, durability, mode))
+        return createWholeFileUnderTemporaryName(data, destination, temporaryDirectory, durability, mode);
     syncName(destination, durability);
 }
 
 void createWholeFileUnderTemporaryName(std::string_view data, const std::filesystem::path& destination,
-    const std::filesystem::path& temporaryDirectory, Durability durability) {
-    TemporaryFile temporary(temporaryDirectory / (".Kestrin-" + freshUUID() + ".tmp"), defaultMode);
+    const std::filesystem::path& temporaryDirectory, Durability durability, mode_t mode) {
+    TemporaryFile temporary(temporaryDirectory / (".Kestrin-" + freshUUID() + ".tmp"), mode);
     write(data, temporary.descriptor(), durability);
     finish(temporary, durability);
     temporary.renameToUnused(destination);

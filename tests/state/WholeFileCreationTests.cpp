@@ -14,15 +14,16 @@ using testing::ElementsAre;
 
 namespace {
 
-using Way = void (*)(std::string_view, const fs::path&, const fs::path&, Durability);
+using Way = void (*)(std::string_view, const fs::path&, const fs::path&, Durability, mode_t);
 
 class CreatingAWholeFile : public testing::TestWithParam<Way> {
 protected:
     CreatingAWholeFile() { fs::create_directories(directory / "root"); }
 
-    [[nodiscard]] std::string create(std::string_view content, Durability durability = Durability::Synced) const {
+    [[nodiscard]] std::string create(
+        std::string_view content, Durability durability = Durability::Synced, mode_t mode = defaultFileMode) const {
         return thrownMessage<POSIXError>(
-            [&] { GetParam()(content, directory / "root/file", directory.path(), durability); });
+            [&] { GetParam()(content, directory / "root/file", directory.path(), durability, mode); });
     }
 
     TemporaryDirectory directory;
@@ -42,6 +43,13 @@ TEST_P(CreatingAWholeFile, givesItDefaultPermissions) {
     EXPECT_EQ(create("x", Durability::Written), "no error");
     ::umask(former);
     EXPECT_EQ(fs::status(directory / "root/file").permissions(), fs::perms(0640));
+}
+
+TEST_P(CreatingAWholeFile, givesItToItsOwnerAloneWhereThatIsAsked) {
+    const mode_t former = ::umask(0);
+    EXPECT_EQ(create("x", Durability::Synced, ownerOnlyFileMode), "no error");
+    ::umask(former);
+    EXPECT_EQ(fs::status(directory / "root/file").permissions(), fs::perms(0600));
 }
 
 TEST_P(CreatingAWholeFile, neverReplacesWhatIsThere) {

@@ -1,0 +1,27 @@
+#include "state/LastingDirectory.h"
+
+#include "state/AtomicStateFile.h"
+#include "state/StandardizedPath.h"
+
+#include <cerrno>
+
+namespace kestrin {
+
+void ensureLastingDirectory(const std::filesystem::path& directory, std::string_view message) {
+    if (AtomicStateFile::fileKind(directory) == StateFileKind::missing)
+        for (const std::filesystem::path& made : createDirectories(directory))
+            syncNameOf(made);
+    AtomicStateFile::ensureDirectory(directory, IfMissing::Refuse, message);
+}
+
+// By "..", so that a parent that is a link does not matter; one that may only be passed through cannot be flushed
+// and is no reason to refuse a save.
+void syncNameOf(const std::filesystem::path& directory) {
+    try {
+        AtomicStateFile::syncDirectory(directory / "..");
+    } catch (const POSIXError& error) {
+        if (error.code != EACCES) throw;
+    }
+}
+
+} // namespace kestrin
