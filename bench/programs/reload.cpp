@@ -2,7 +2,7 @@
 // times, as the model does. Prints a line for each round: "FIRST AGAIN BYTES", both in microseconds, and the bytes
 // that the second load read from files other than "sites.json".
 #include "monitoring/ModelLoader.h"
-#include "services/CustomProviderFile.h"
+#include "services/CustomProviderStore.h"
 #include "services/KnownServices.h"
 
 #include <fcntl.h>
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path root = argv[1];
     try {
         const ModelLoader loader(
-            StateReader(root), std::make_shared<CustomProviderFile>(root), std::make_shared<KnownServices>());
+            StateReader(root), std::make_shared<CustomProviderStore>(root), std::make_shared<KnownServices>());
         const auto configurationBytes = static_cast<std::int64_t>(std::filesystem::file_size(root / "sites.json"));
         for (int rounds = std::atoi(argv[2]); rounds > 0; --rounds)
             round(loader, configurationBytes);

@@ -1,6 +1,6 @@
 #include "monitoring/MonitorHarness.h"
 
-#include "services/CustomProviderFile.h"
+#include "services/CustomProviderStore.h"
 
 #include <fstream>
 
@@ -312,9 +312,9 @@ TEST_F(Reload, readsTheHistoryThatIsOnDisk) {
 TEST_F(Reload, goesOnWithWebsitesWhenTheFileOfAddedServicesCannotBeUsed) {
     SiteConfiguration configuration = withServices({"a"}, {"openai"});
     writeSites(configuration);
-    std::ofstream(root / "custom-providers.json") << "{\"schema_version\": 1, \"providers\": []}\n";
+    std::ofstream(root / "custom-providers.json") << "{\"schema_version\": 3, \"providers\": []}\n";
     AppModel::Collaborators withFile = collaborators();
-    withFile.customProviderStore = std::make_shared<CustomProviderFile>(root);
+    withFile.customProviderStore = std::make_shared<CustomProviderStore>(root);
     model = std::make_unique<AppModel>(std::move(withFile));
     settle();
     EXPECT_EQ(model->loadError(), std::nullopt);

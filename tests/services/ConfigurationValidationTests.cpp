@@ -1,5 +1,6 @@
 #include "services/ConfigurationValidation.h"
 
+#include "services/CustomProviderValidation.h"
 #include "services/IncludedServices.h"
 #include "state/StateErrors.h"
 
@@ -146,4 +147,27 @@ TEST(ValidatingAConfiguration, stopsAtTheFirstFailure) {
         "The selected Kestrin configuration contains duplicate provider identifiers.");
     configuration.providerStatus.providerIDs.clear();
     EXPECT_EQ(verdict(configuration, wrong), "A custom-provider name is invalid or too long.");
+}
+
+TEST(ValidatingAConfiguration, judgesAddedServicesAsTheirStoreDoes) {
+    const CustomProviderValidation real;
+    SiteConfiguration configuration = acceptable();
+    configuration.providerStatus.providerIDs.clear();
+    const auto judged = [&](const std::vector<CustomProviderDefinition>& added) -> std::string {
+        try {
+            validateConfiguration(configuration, added, false, true, real);
+        } catch (const MessageError& error) {
+            return error.message;
+        }
+        return "accepted";
+    };
+    EXPECT_EQ(judged({custom("Added", true)}), "accepted");
+    EXPECT_EQ(judged({custom("Added", false)}), noServices);
+    EXPECT_EQ(judged({custom("Ad  ded", true)}), "A custom-provider name is invalid or too long.");
+    CustomProviderDefinition other = custom("Other format", true);
+    other.adapter = "instatus-summary";
+    EXPECT_EQ(judged({other}), "accepted") << "whatever version of their file fits";
+    EXPECT_EQ(judged({custom("Added", true), other}), "Custom-provider identifiers must be unique.");
+    other.id = "provider-2";
+    EXPECT_EQ(judged({custom("Added", true), other}), "Each additional status service must use a unique host.");
 }

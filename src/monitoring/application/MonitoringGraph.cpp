@@ -2,7 +2,7 @@
 
 #include "http/SystemNameResolver.h"
 #include "monitoring/LiveCheckRunner.h"
-#include "services/CustomProviderFile.h"
+#include "services/CustomProviderStore.h"
 #include "services/KnownServices.h"
 
 #include <chrono>
@@ -37,7 +37,7 @@ MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executo
     model_ = std::make_unique<AppModel>(AppModel::Collaborators{
         .reader = StateReader(stateRoot),
         .writer = writer_,
-        .customProviderStore = std::make_shared<CustomProviderFile>(stateRoot),
+        .customProviderStore = std::make_shared<CustomProviderStore>(stateRoot),
         .services = std::make_shared<KnownServices>(),
         .checkRunner = liveCheckRunner(checkExecutor_, std::move(checkSite), nullptr),
         .notificationCoordinator = notifications_,
