@@ -1,9 +1,12 @@
 #include "monitoring/application/MonitoringGraph.h"
 
+#include "http/CurlTransport.h"
 #include "http/SystemNameResolver.h"
 #include "monitoring/LiveCheckRunner.h"
+#include "probing/WebsiteChecker.h"
 #include "services/CustomProviderStore.h"
 #include "services/KnownServices.h"
+#include "services/ProviderChecker.h"
 
 #include <chrono>
 #include <utility>
@@ -28,18 +31,39 @@ std::chrono::sys_seconds wallClockSeconds() {
 
 } // namespace
 
+struct MonitoringGraph::Checkers {
+    Checkers(const ProxySettings& proxies, Executor& owner, Clock& clock, BlockingPool& pool,
+        BlockingPool& resolverPool, const std::stop_token& shutdown)
+        : transport(TrustStore::systemBundles(), proxies),
+          resolver(resolverPool, std::make_shared<SystemNameResolver>(), clock, shutdown),
+          client(FreshHTTPServices{owner, clock, pool, transport, resolver}),
+          websites(client, resolver, clock, wallClockSeconds), services(clock, wallClockSeconds),
+          network(liveProviderCheckDependencies(client, resolver)) {}
+
+    CurlTransport transport;
+    BackgroundResolver resolver;
+    FreshHTTPClient client;
+    WebsiteChecker websites;
+    ProviderChecker services;
+    ProviderCheckDependencies network;
+};
+
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
     : pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads), checkExecutor_(pool_),
       clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
-        return checker().checkWebsite(std::move(site), timeout);
+        return checkers().websites.checkWebsite(std::move(site), timeout);
+    };
+    ProviderCheck checkService = [this](ProviderDefinition service, std::chrono::milliseconds timeout) {
+        const Checkers& live = checkers();
+        return live.services.checkProvider(std::move(service), live.network, timeout);
     };
     model_ = std::make_unique<AppModel>(AppModel::Collaborators{
         .reader = StateReader(stateRoot),
         .writer = writer_,
         .customProviderStore = std::make_shared<CustomProviderStore>(stateRoot),
         .services = std::make_shared<KnownServices>(),
-        .checkRunner = liveCheckRunner(checkExecutor_, std::move(checkSite), nullptr),
+        .checkRunner = liveCheckRunner(checkExecutor_, std::move(checkSite), std::move(checkService)),
         .notificationCoordinator = notifications_,
         .mainExecutor = mainExecutor,
         .clock = clock,
@@ -48,16 +72,15 @@ MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executo
     });
 }
 
+MonitoringGraph::~MonitoringGraph() = default;
+
 // A transport brings libcurl and OpenSSL to life, which a program that only rests in the panel need not pay for.
-const WebsiteChecker& MonitoringGraph::checker() {
-    std::call_once(checkerIsMade_, [this] {
-        const BackgroundResolver resolver(
-            resolverPool_, std::make_shared<SystemNameResolver>(), clock_, shutdown_.get_token());
-        transport_.emplace(TrustStore::systemBundles(), proxySettings_);
-        const FreshHTTPClient client(FreshHTTPServices{checkExecutor_, clock_, pool_, *transport_, resolver});
-        checker_.emplace(client, resolver, clock_, wallClockSeconds);
+const MonitoringGraph::Checkers& MonitoringGraph::checkers() {
+    std::call_once(checkersAreMade_, [this] {
+        checkers_ = std::make_unique<Checkers>(
+            proxySettings_, checkExecutor_, clock_, pool_, resolverPool_, shutdown_.get_token());
     });
-    return *checker_;
+    return *checkers_;
 }
 
 bool MonitoringGraph::shutDown(const std::function<void()>& drain) {

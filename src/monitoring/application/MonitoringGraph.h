@@ -1,12 +1,8 @@
 #pragma once
 
-#include "http/CurlTransport.h"
-#include "http/NameResolver.h"
 #include "http/ProxySettings.h"
 #include "monitoring/AppModel.h"
 #include "notifications/InertNotifications.h"
-#include "probing/WebsiteChecker.h"
-#include "services/ServiceDirectory.h"
 #include "state/StateWriter.h"
 #include "tasks/SerialExecutor.h"
 #include "tasks/ThreadPool.h"
@@ -14,7 +10,6 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <stop_token>
 
 namespace kestrin {
@@ -25,6 +20,7 @@ class MonitoringGraph {
 public:
     /// `mainExecutor` and `clock` outlive the graph.
     MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock);
+    ~MonitoringGraph();
 
     [[nodiscard]] AppModel& model() { return *model_; }
 
@@ -33,8 +29,10 @@ public:
     [[nodiscard]] bool shutDown(const std::function<void()>& drain);
 
 private:
+    /// What checks, over one transport.
+    struct Checkers;
     /// Made by the first check, on whatever thread that runs.
-    [[nodiscard]] const WebsiteChecker& checker();
+    [[nodiscard]] const Checkers& checkers();
 
     ThreadPool pool_;
     ThreadPool resolverPool_;
@@ -42,9 +40,8 @@ private:
     std::stop_source shutdown_;
     Clock& clock_;
     ProxySettings proxySettings_; ///< read at launch, before other threads look at the environment
-    std::once_flag checkerIsMade_;
-    std::optional<CurlTransport> transport_;
-    std::optional<WebsiteChecker> checker_;
+    std::once_flag checkersAreMade_;
+    std::unique_ptr<Checkers> checkers_;
     StateWriter writer_;
     InertNotifications notifications_;
     std::unique_ptr<AppModel> model_;
