@@ -34,6 +34,9 @@ def parse():
     arguments.add_argument("--build", type=pathlib.Path, default=SOURCE / "build/release", metavar="DIRECTORY",
                            help="what to measure (default build/release)")
     given = arguments.parse_args()
+    # Paths are the caller's, who may stand elsewhere than the script that called this.
+    caller = pathlib.Path(os.environ.get("KESTRIN_BENCH_CALLER", "."))
+    given.json, given.build = caller / given.json, caller / given.build
     given.rows = list(dict.fromkeys(given.rows + given.only)) or list(ROWS)
     for row in given.rows:
         if row not in ROWS:

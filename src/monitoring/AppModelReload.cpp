@@ -156,6 +156,8 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
 
 void AppModel::refreshIfStateChanged() {
     if (isLoading_ || revisionRefreshTask_) return;
+    // The revisions of these are known, but not all of their lines.
+    if (!incompleteHistories_.empty()) return reload();
     revisionRefreshTask_ = spawn(collaborators_.mainExecutor, runRevisionRefresh(self_, expectedRevisions()));
 }
 

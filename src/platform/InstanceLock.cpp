@@ -21,6 +21,9 @@ namespace {
 
 constexpr std::chrono::milliseconds pause{10};
 constexpr std::size_t longestToken = 4096;
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+/// Whoever clears away old files of a runtime directory leaves those with this bit.
+constexpr mode_t keptWhileOld = S_ISVTX;
 
 bool isOwnDirectory(const std::filesystem::path& path) {
     struct stat status{};
@@ -46,15 +49,25 @@ int datagramSocket() {
     return ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
 }
 
-/// Whether the lock was had; errno tells why not.
-bool lockWithin(int descriptor, std::chrono::milliseconds limit) {
+/// Asks again and again until it works, another error than `waitsFor` comes, or the time is over; errno tells why
+/// not.
+template <class Attempt>
+bool succeedsWithin(std::chrono::milliseconds limit, const Attempt& attempt, int waitsFor) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    while (!attempt()) {
         if (errno == EINTR) continue;
-        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) return false;
+        if (errno != waitsFor || std::chrono::steady_clock::now() >= deadline) return false;
         std::this_thread::sleep_for(pause);
     }
     return true;
+}
+
+/// Whether the file that was locked is still the one of that name; otherwise the next start would lock another.
+bool isAtPath(int descriptor, const std::filesystem::path& path) {
+    struct stat locked{};
+    struct stat named{};
+    return ::fstat(descriptor, &locked) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+           locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
 }
 
 } // namespace
@@ -84,18 +97,20 @@ std::filesystem::path InstanceLock::place() {
 }
 
 InstanceLock::Result InstanceLock::acquire(const std::string& activationToken) {
-    lock_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (lock_ >= 0 && isOwnFile(lock_)) {
-        if (lockWithin(lock_, patience_)) {
-            listen();
-            return Result::Held;
-        }
-        if (errno == EWOULDBLOCK) {
+    do {
+        if (lock_ >= 0) ::close(lock_);
+        lock_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, ownerOnly);
+        if (lock_ < 0 || !isOwnFile(lock_)) return Result::Unavailable;
+        const auto lock = [this] { return ::flock(lock_, LOCK_EX | LOCK_NB) == 0; };
+        if (!succeedsWithin(patience_, lock, EWOULDBLOCK)) {
+            if (errno != EWOULDBLOCK) return Result::Unavailable;
             callHolder(activationToken);
             return Result::Taken;
         }
-    }
-    return Result::Unavailable;
+    } while (!isAtPath(lock_, file_));
+    ::fchmod(lock_, ownerOnly | keptWhileOld);
+    listen();
+    return Result::Held;
 }
 
 void InstanceLock::listen() {
@@ -109,7 +124,7 @@ void InstanceLock::listen() {
         ::close(std::exchange(socket_, -1));
         return;
     }
-    ::chmod(socketPath_.c_str(), S_IRUSR | S_IWUSR);
+    ::chmod(socketPath_.c_str(), ownerOnly | keptWhileOld);
     notifier_ = std::make_unique<QSocketNotifier>(socket_, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { receive(); });
 }
@@ -124,9 +139,13 @@ void InstanceLock::receive() {
 void InstanceLock::callHolder(const std::string& activationToken) const {
     const auto address = socketAddress(socketPath_);
     const int descriptor = datagramSocket();
-    if (address && descriptor >= 0)
-        ::sendto(descriptor, activationToken.data(), std::min(activationToken.size(), longestToken), MSG_NOSIGNAL,
-            reinterpret_cast<const sockaddr*>(&*address), sizeof *address);
+    const auto send = [&] {
+        return ::sendto(descriptor, activationToken.data(), std::min(activationToken.size(), longestToken),
+                   MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) >= 0;
+    };
+    // The holder listens a moment after it has the lock.
+    if (address && descriptor >= 0 && !succeedsWithin(patience_, send, ENOENT))
+        succeedsWithin(patience_, send, ECONNREFUSED);
     if (descriptor >= 0) ::close(descriptor);
 }
 

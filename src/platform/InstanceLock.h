@@ -16,7 +16,7 @@ class InstanceLock {
 public:
     enum class Result {
         Held,        ///< by this process
-        Taken,       ///< another one runs and has been told; this one ends
+        Taken,       ///< another one runs, and has been told if it can be; this one ends
         Unavailable, ///< there is no place for a lock; nothing is known of others
     };
 

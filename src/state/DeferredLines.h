@@ -7,7 +7,7 @@
 
 namespace kestrin {
 
-/// The last lines of a history, which are known to decode but were not decoded: most lines leave again unread.
+/// The last lines of a history, which are known to decode and whose records are not kept: most leave again unread.
 /// First in, first out. A line lies where it was found until `keep` copies it; the `historyLinePadding` bytes
 /// behind it can be read there and here.
 class DeferredLines {

@@ -63,7 +63,9 @@ std::optional<HistoryAppend> begin(const std::filesystem::path& path, const std:
     struct stat status{};
     if (::lstat(path.c_str(), &status) != 0) throwPOSIXError();
     requireRegular(status);
-    return HistoryAppend{.before = {}, .after = revisionOf(status)};
+    HistoryAppend append = {.before = {}, .after = revisionOf(status)};
+    append.before.byteCount = append.after.byteCount - static_cast<std::int64_t>(line.size());
+    return append;
 }
 
 void requireConfiguration(const std::filesystem::path& root) {

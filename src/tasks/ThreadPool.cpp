@@ -112,10 +112,8 @@ void ThreadPool::run(std::function<void()> work) {
 void ThreadPool::hire(std::function<void()> work) {
     state_->waiting.push_back(std::move(work));
     if (state_->isTakenByWorker()) return;
-    if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) {
-        state_->workArrived.notify_one();
-        return;
-    }
+    state_->workArrived.notify_one();
+    if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) return;
     try {
         startThread();
     } catch (const std::system_error&) {

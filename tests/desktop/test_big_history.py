@@ -19,24 +19,26 @@ from virtual_desktop import wait_until
 
 MEGABYTE = 10**6
 SIZE = int(os.environ.get("HISTORY_MEGABYTES", 300)) * MEGABYTE
-# To have time to look at a load, the same file stands under as many names as make this much to read.
+# To have time to look at a load, the same file stands under as many names as make this much to read. Its lines are none
+# that are recognised without being parsed.
 TO_READ = max(SIZE, 6000 * MEGABYTE)
 LOADING = "Loading monitor history…"
 # A read is given up after the chunk of 64 KB that is being read; the rest is the end of a process.
 AT_ONCE = 5
 # A user notices a pause of a second, and the machine may be building.
 ANSWERED = 2
-# The reader holds a chunk of 64 KB and one line of at most 8 MiB with what its parser needs for it.
-MEMORY = 48 << 20
+# Two readers hold a chunk of 64 KB each and one line of at most 8 MiB between them, with what its parser needs for it.
+MEMORY = 32 << 20
 
 
-def line(number, status=200):
-    """As a monitor writes it, every five minutes."""
+def line(number, status=200, **further):
+    """As a monitor writes it, every five minutes; with further keys only the parser can tell what it says."""
     moment = time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(1_600_000_000 + 300 * number))
     up = 200 <= status <= 399
     record = {"timestamp": moment, "site_id": "status-200", "url": "https://status-200.lab.kestrin-test.example/",
               "dns_ok": True, "ips": ["192.88.99.10", "3ffe:c058:63::10"], "http_status": status,
-              "elapsed_ms": 40 + number % 90, "up": up, **({} if up else {"error": f"HTTP {status}"})}
+              "elapsed_ms": 40 + number % 90, "up": up, **({} if up else {"error": f"HTTP {status}"}),
+              **further}
     return json.dumps(record, separators=(",", ":")).encode() + b"\n"
 
 
@@ -50,9 +52,9 @@ class BigHistory(desktop_test.DesktopTest):
     def history_path(self, site):
         return self.state / "data" / f"{site}.jsonl"
 
-    def put_big_history(self, last):
+    def put_big_history(self, last, **further):
         """A day's lines again and again, now and then one of a failure, and at the end the line given."""
-        block = b"".join(line(number, 503 if number % 97 == 0 else 200) for number in range(5000))
+        block = b"".join(line(number, 503 if number % 97 == 0 else 200, **further) for number in range(5000))
         with open(self.history_path("status-200"), "wb", buffering=0) as file:
             for _ in range(SIZE // len(block) + 1):
                 file.write(block)
@@ -60,7 +62,7 @@ class BigHistory(desktop_test.DesktopTest):
 
     def put_long_load(self):
         """Sites with one big history under all their names."""
-        self.put_big_history(line(0))
+        self.put_big_history(line(0), note="not of this program")
         count = TO_READ // SIZE
         sites = [{"id": f"site-{number}", "name": f"Site {number}", "url": "https://status-200.lab.kestrin-test.example/"}
                  for number in range(count)]

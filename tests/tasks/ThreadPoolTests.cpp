@@ -223,6 +223,40 @@ TEST(APool, letsOtherThreadsTakeWhatAPieceHandedOverWhenThatIsMoreThanOne) {
     EXPECT_TRUE(ended.waitFor(1));
 }
 
+TEST(APool, wakesAnIdleThreadAlsoWhileAPieceIsHandedOverAndStuck) {
+    ThreadPool pool(4, std::chrono::hours(1));
+    Events begun;
+    std::promise<void> goOn;
+    const auto signal = goOn.get_future().share();
+    const auto stuck = [&begun, signal] {
+        begun.happen();
+        signal.wait();
+    };
+    // Two threads that become idle.
+    Events together;
+    for (int i = 0; i < 2; ++i)
+        pool.run([&] {
+            together.happen();
+            ASSERT_TRUE(together.waitFor(2));
+        });
+    ASSERT_TRUE(together.waitFor(2));
+    ASSERT_TRUE(pool.waitUntilIdle(generous));
+
+    Events handedOver;
+    pool.run([&] {
+        pool.run(stuck);
+        handedOver.happen();
+        signal.wait();
+    });
+    ASSERT_TRUE(handedOver.waitFor(1));
+    Events ran;
+    pool.run([&] { ran.happen(); });
+    EXPECT_TRUE(ran.waitFor(1));
+    EXPECT_TRUE(begun.waitFor(1));
+    goOn.set_value();
+    EXPECT_TRUE(pool.waitUntilIdle(generous));
+}
+
 TEST(AStandingThread, runsEverythingThatComesOneByOne) {
     ThreadPool pool(4, milliseconds(0), 1);
     std::vector<std::thread::id> threads;

@@ -13,12 +13,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
