@@ -1,5 +1,6 @@
 """CPU of one website check against a bare TLS handshake and against curl, all with the same server."""
 
+import contextlib
 import resource
 import subprocess
 
@@ -11,27 +12,35 @@ SERIES = 100
 CURL_SERIES = 10
 
 
+@contextlib.contextmanager
+def running_server(setting, *served):
+    """A server that answers with a file or with nothing, and gives the authorities that trust it."""
+    bundle = str(setting.scratch / "authorities.pem")
+    server = subprocess.Popen([setting.program("tls_server"), ADDRESS, PORT, HOST, bundle, *served],
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+    try:
+        if server.stdout.readline().strip() != "ready":
+            raise RuntimeError("The TLS server did not start.")
+        yield bundle
+    finally:
+        server.kill()
+        server.wait()
+        server.stdout.close()
+
+
 class CheckRows:
     def __init__(self, setting):
         self._setting = setting
-        self._bundle = str(setting.scratch / "authorities.pem")
+        self._bundle = None
 
     def measure(self, wanted):
         if not wanted & {"check", "check-curl"}:
             return
-        server = subprocess.Popen([self._setting.program("tls_server"), ADDRESS, PORT, HOST, self._bundle],
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
-        try:
-            if server.stdout.readline().strip() != "ready":
-                raise RuntimeError("The TLS server did not start.")
+        with running_server(self._setting) as self._bundle:
             samples = rounds.interleaved(
                 self._setting.rounds, check=lambda: self._microseconds("check"),
                 handshake=lambda: self._microseconds("handshake"), exchange=lambda: self._microseconds("exchange"),
                 curl=self._curl)
-        finally:
-            server.kill()
-            server.wait()
-            server.stdout.close()
         check = samples["check"]
         middle = {name: rounds.median(values) for name, values in samples.items()}
         if "check" in wanted:
@@ -47,15 +56,15 @@ class CheckRows:
         return float(done.stdout)
 
     def _curl(self):
-        before = _children()
+        before = children()
         for _ in range(CURL_SERIES):
             subprocess.run(["curl", "-sI", "--cacert", self._bundle, "--resolve", f"{HOST}:{PORT}:{ADDRESS}",
                             f"https://{HOST}:{PORT}/"], check=True, stdin=subprocess.DEVNULL,
                            stdout=subprocess.DEVNULL)
-        return (_children() - before) / CURL_SERIES * 1e6
+        return (children() - before) / CURL_SERIES * 1e6
 
 
-def _children():
+def children():
     """CPU of the ended children, in seconds. The server lives on and is not among them."""
     usage = resource.getrusage(resource.RUSAGE_CHILDREN)
     return usage.ru_utime + usage.ru_stime

@@ -8,6 +8,7 @@ import sys
 from appends import AppendRow
 from checks import CheckRows
 from desktops import DesktopRows
+from feeds import FeedRows
 from histories import HistoryRows
 from setting import Setting
 from report import Report
@@ -24,7 +25,7 @@ def main():
     given = arguments.parse_args()
     setting = Setting(given.build, given.scratch, given.rounds, given.quick)
     report = Report(given.json, given.quick, given.rounds)
-    for rows in (AppendRow, CheckRows, HistoryRows, DesktopRows):
+    for rows in (AppendRow, CheckRows, FeedRows, HistoryRows, DesktopRows):
         try:
             for result in rows(setting).measure(set(given.rows)):
                 report.add(result)

@@ -1,5 +1,6 @@
-// tls_server ADDRESS PORT HOST BUNDLE - writes to BUNDLE what the machine trusts plus its own authority, says so,
-// and answers every request for HOST with 200 until it is killed. One connection after the other.
+// tls_server ADDRESS PORT HOST BUNDLE [FILE] - writes to BUNDLE what the machine trusts plus its own authority,
+// says so, and answers every request for HOST with 200, and with FILE as JSON, until it is killed. One connection
+// after the other.
 #include "http/TrustStore.h"
 #include "http/support/TestAuthority.h"
 
@@ -46,8 +47,15 @@ int listenOn(const std::string& text, std::uint16_t port) {
     return listener;
 }
 
-void serve(SSL_CTX* context, int descriptor) {
-    constexpr std::string_view answer = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: 0\r\n\r\n";
+std::string answerWith(const char* file) {
+    if (file == nullptr) return "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: 0\r\n\r\n";
+    std::ifstream stream(file);
+    const std::string body(std::istreambuf_iterator<char>(stream), {});
+    return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + body;
+}
+
+void serve(SSL_CTX* context, int descriptor, std::string_view answer) {
     const std::unique_ptr<SSL, decltype(&SSL_free)> session(SSL_new(context), SSL_free);
     SSL_set_fd(session.get(), descriptor);
     if (SSL_accept(session.get()) == 1) {
@@ -67,8 +75,8 @@ void serve(SSL_CTX* context, int descriptor) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5) {
-        std::cerr << "usage: tls_server ADDRESS PORT HOST BUNDLE\n";
+    if (argc != 5 && argc != 6) {
+        std::cerr << "usage: tls_server ADDRESS PORT HOST BUNDLE [FILE]\n";
         return EXIT_FAILURE;
     }
     // A client that goes right after the handshake has not read all that was sent to it.
@@ -80,6 +88,7 @@ int main(int argc, char** argv) {
     SSL_CTX_use_certificate(context.get(), identity.certificate.get());
     SSL_CTX_use_PrivateKey(context.get(), identity.key.get());
 
+    const std::string answer = answerWith(argc == 6 ? argv[5] : nullptr);
     const int listener = listenOn(argv[1], static_cast<std::uint16_t>(std::atoi(argv[2])));
     if (listener < 0) {
         std::cerr << "Nobody can listen on " << argv[1] << " port " << argv[2] << ".\n";
@@ -91,6 +100,6 @@ int main(int argc, char** argv) {
         if (descriptor < 0) continue;
         const int on = 1;
         ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        serve(context.get(), descriptor);
+        serve(context.get(), descriptor, answer);
     }
 }
