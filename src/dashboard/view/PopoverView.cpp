@@ -35,7 +35,9 @@ QLabel* addedHeading(QVBoxLayout* layout, const char* text) {
     QLabel* label = wrappedLabel(layout->parentWidget());
     QFont bold = label->font();
     bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.1);
     label->setFont(bold);
+    label->setContentsMargins(0, label->fontMetrics().height() / 2, 0, 0);
     label->setText(text);
     layout->addWidget(label);
     return label;
