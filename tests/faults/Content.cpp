@@ -1,5 +1,6 @@
 #include "faults/Content.h"
 
+#include "services/CustomProviderCoding.h"
 #include "state/HistoryAppending.h"
 #include "state/SiteConfigurationCoding.h"
 #include "json/JSONWriter.h"
@@ -19,6 +20,25 @@ SiteConfiguration newConfiguration() {
     configuration.sites.push_back({.id = "site-2", .name = "Second", .url = "https://second.example/"});
     configuration.intervalSeconds = 600;
     return configuration;
+}
+
+CustomProviderConfiguration formerAddedServices() {
+    return {.schemaVersion = 1,
+        .providers = {{.id = "provider-1",
+            .name = "Former",
+            .statusPageURL = "https://status.former.example/",
+            .adapter = "statuspage-v2"}}};
+}
+
+CustomProviderConfiguration newAddedServices() {
+    CustomProviderConfiguration added = formerAddedServices();
+    added.schemaVersion = 2;
+    added.providers[0].enabled = false;
+    added.providers.push_back({.id = "provider-2",
+        .name = "Second",
+        .statusPageURL = "https://status.second.example/",
+        .adapter = "instatus-summary"});
+    return added;
 }
 
 CheckRecord siteCheck(const std::string& timestamp) {
@@ -48,6 +68,10 @@ ProviderCheckRecord serviceCheck(const std::string& timestamp) {
 
 std::string fileOf(const SiteConfiguration& configuration) {
     return writePretty(encodeSiteConfiguration(configuration));
+}
+
+std::string fileOf(const CustomProviderConfiguration& configuration) {
+    return writePretty(encodeCustomProviders(configuration));
 }
 
 std::string lineOf(const CheckRecord& record) {

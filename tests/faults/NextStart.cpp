@@ -1,8 +1,11 @@
 #include "faults/Content.h"
 #include "faults/Judgement.h"
 #include "model/MessageError.h"
+#include "services/CustomProviderStore.h"
 #include "state/StateReader.h"
 #include "state/StateWriter.h"
+
+#include <algorithm>
 
 namespace kestrin {
 
@@ -37,6 +40,22 @@ std::string faultOfAppend(const fs::path& file, const Append& append, const Coun
     return {};
 }
 
+/// Added services are there as they were or as they were to be; others can be added and saved.
+std::string faultOfAddedServices(const fs::path& root) {
+    const CustomProviderStore store(root);
+    const auto former = store.load();
+    if (former && former != formerAddedServices() && former != newAddedServices())
+        return "other added services were read";
+    const std::string id = store.nextIdentifier({});
+    const auto isTaken = [&](const CustomProviderDefinition& service) { return service.id == id; };
+    if (former && std::ranges::any_of(former->providers, isTaken)) return "an identifier was given out again";
+
+    const auto backup = store.save(2, newAddedServices().providers, Backup::Make);
+    if (backup.has_value() != former.has_value() || (backup && contentOf(*backup) != fileOf(*former)))
+        return "the next save of added services made no whole backup";
+    return store.load() == newAddedServices() ? "" : "the next save of added services is not read back";
+}
+
 std::string faultWhenUsed(const fs::path& root) {
     const StateReader reader(root);
     StateWriter writer(root);
@@ -59,7 +78,7 @@ std::string faultWhenUsed(const fs::path& root) {
     if (!backup || contentOf(*backup) != fileOf(former)) return "the next save made no whole backup";
     if (reader.loadConfiguration() != ConfigurationLoadResult::configured(newConfiguration()))
         return "the next save is not read back";
-    return {};
+    return faultOfAddedServices(root);
 }
 
 } // namespace

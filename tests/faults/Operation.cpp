@@ -1,6 +1,7 @@
 #include "faults/Operation.h"
 
 #include "faults/Content.h"
+#include "services/CustomProviderStore.h"
 #include "state/AtomicStateFile.h"
 #include "state/StateReader.h"
 #include "state/StateWriter.h"
@@ -26,9 +27,13 @@ JSONValue value() {
     return JSONValue::object({{"schema_version", 1}, {"text", "new"}});
 }
 
-/// A writer whose clock stands still, so that every run makes the same calls.
+/// A clock that stands still, so that every run makes the same calls.
+std::chrono::sys_seconds moment() {
+    return std::chrono::sys_days(std::chrono::January / 31 / 2026) + 9h + 5min;
+}
+
 StateWriter writerAt(const fs::path& root) {
-    return StateWriter(root, [] { return std::chrono::sys_days(std::chrono::January / 31 / 2026) + 9h + 5min; });
+    return StateWriter(root, moment);
 }
 
 void save(const fs::path& root) {
@@ -47,8 +52,12 @@ void appendForService(const fs::path& root) {
     writerAt(root).appendProviderCheck(serviceCheck("2026-01-31T09:05:00Z"));
 }
 
-void replaceCustomProviders(const fs::path& root) {
-    AtomicStateFile::replaceFile(value(), root / "custom-providers.json", root, customProviderFileRules);
+void saveAddedServices(const fs::path& root) {
+    CustomProviderStore(root, moment).save(2, newAddedServices().providers, Backup::None);
+}
+
+void saveAddedServicesWithBackup(const fs::path& root) {
+    CustomProviderStore(root, moment).save(2, newAddedServices().providers, Backup::Make);
 }
 
 void replaceNotificationSettings(const fs::path& root) {
@@ -103,6 +112,11 @@ std::vector<Operation> makeOperations() {
     const Tree setUp = {{fileOfBefore, oldFile}};
     const Tree lived = with(setUp, {{historyFile, oldLine}, {serviceFile, oldServiceLine}});
     const std::string inRoot = "share/Kestrin/";
+    const std::string oldAdded = fileOf(formerAddedServices());
+    const std::string newAdded = fileOf(newAddedServices());
+    const std::string addedFile = inRoot + "custom-providers.json";
+    const std::string addedBackup = inRoot + "backups/custom-providers-2026-01-31T09-05-00Z.json";
+    const Tree withAdded = with(lived, {{addedFile, oldAdded}});
 
     using enum Effect;
     return {
@@ -114,8 +128,13 @@ std::vector<Operation> makeOperations() {
         {"firstSaveWithABackup", Replaces, lived, fileOfBefore, newFile, saveWithBackup, "share/Kestrin", true},
         {"saveWithABackup", Replaces, with(lived, {{backupFile, "{}\n"}}), fileOfBefore, newFile, saveWithBackup,
             "share/Kestrin", true},
-        {"replaceCustomProviders", Replaces, with(lived, {{inRoot + "custom-providers.json", "{\"old\":1}\n"}}),
-            inRoot + "custom-providers.json", replaced, replaceCustomProviders},
+        {"firstSaveOfAddedServices", Replaces, lived, addedFile, newAdded, saveAddedServicesWithBackup},
+        {"saveOfAddedServices", Replaces, withAdded, addedFile, newAdded, saveAddedServices},
+        {"saveOfAddedServicesWithAFirstBackup", Replaces, withAdded, addedFile, newAdded,
+            saveAddedServicesWithBackup, "share/Kestrin", true},
+        {"saveOfAddedServicesWithABackup", Replaces,
+            with(withAdded, {{addedBackup, oldAdded}, {backupFile, "{}\n"}}), addedFile, newAdded,
+            saveAddedServicesWithBackup, "share/Kestrin", true},
         {"replaceNotificationSettings", Replaces, with(lived, {{inRoot + "notification-settings.json", "{}\n"}}),
             inRoot + "notification-settings.json", replaced, replaceNotificationSettings},
         {"replaceNotificationLedger", Replaces, lived, inRoot + "notification-ledger.json", replaced,

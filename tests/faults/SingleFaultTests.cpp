@@ -60,8 +60,9 @@ auto named(const std::string& name) {
 } // namespace
 
 TEST(ASingleFault, ofTheLastFlushOfASaveIsToldAlthoughTheNewContentIsInPlace) {
-    for (const std::string_view operation : {"save", "saveWithABackup", "firstSave", "replaceCustomProviders",
-             "replaceNotificationSettings", "replaceNotificationLedger"}) {
+    for (const std::string_view operation :
+        {"save", "saveWithABackup", "firstSave", "saveOfAddedServices", "firstSaveOfAddedServices",
+            "saveOfAddedServicesWithABackup", "replaceNotificationSettings", "replaceNotificationLedger"}) {
         const JudgedRun undisturbed = run(operation, untouched);
         const auto flushes = std::ranges::count(undisturbed.calls, "fsync", &JudgedRun::Call::name);
         std::ptrdiff_t seen = 0;
@@ -75,7 +76,8 @@ TEST(ASingleFault, ofTheLastFlushOfASaveIsToldAlthoughTheNewContentIsInPlace) {
 }
 
 TEST(ASingleFault, ofTheRenameLeavesTheFormerContentAndNoTemporary) {
-    for (const std::string_view operation : {"save", "saveWithABackup", "replaceCustomProviders"}) {
+    for (const std::string_view operation :
+        {"save", "saveWithABackup", "saveOfAddedServices", "saveOfAddedServicesWithABackup"}) {
         const JudgedRun failed = run(operation,
             [](const SystemCall& call) { return call.name() == "rename" ? Verdict::fail(EIO) : Verdict::pass(); });
         EXPECT_EQ(failed.result.message, "Input/output error");
@@ -106,7 +108,8 @@ TEST(ASingleFault, ofClosingAHistoryFileIsTold) {
 }
 
 TEST(ASingleFault, ofClosingAFileThatWasSyncedIsNone) {
-    for (const std::string_view operation : {"save", "firstSave", "saveWithABackup", "replaceNotificationLedger"}) {
+    for (const std::string_view operation :
+        {"save", "firstSave", "saveWithABackup", "saveOfAddedServicesWithABackup", "replaceNotificationLedger"}) {
         const JudgedRun saved = run(operation, [](const SystemCall& call) {
             return call.name() == "close" ? Verdict::failAfterwards(EIO) : Verdict::pass();
         });
