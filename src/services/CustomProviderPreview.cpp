@@ -6,6 +6,7 @@
 #include "model/MessageError.h"
 #include "services/ProviderAdapters.h"
 #include "services/ProviderFailure.h"
+#include "services/ProviderFailures.h"
 #include "services/ProviderPreviewError.h"
 #include "services/StatusFeedAnswer.h"
 #include "services/StatusFeedRequest.h"

@@ -25,6 +25,7 @@ ProviderDefinition definitionOf(const IncludedServiceRow& row) {
 
 std::vector<ProviderDefinition> allDefinitions() {
     std::vector<ProviderDefinition> services;
+    services.reserve(includedServiceTable.size());
     for (const IncludedServiceRow& row : includedServiceTable)
         services.push_back(definitionOf(row));
     return services;
@@ -34,6 +35,7 @@ std::vector<ProviderDefinition> allDefinitions() {
 
 std::vector<std::string> includedServiceIDs() {
     std::vector<std::string> ids;
+    ids.reserve(includedServiceTable.size());
     for (const IncludedServiceRow& row : includedServiceTable)
         ids.emplace_back(row.id);
     return ids;

@@ -5,6 +5,7 @@
 #include "probing/SecureHTTPError.h"
 #include "services/ProviderAdapters.h"
 #include "services/ProviderFailure.h"
+#include "services/ProviderFailures.h"
 #include "services/StatusFeedAnswer.h"
 #include "services/StatusFeedRequest.h"
 #include "text/Timestamp.h"

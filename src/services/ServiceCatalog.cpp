@@ -24,6 +24,7 @@ ServiceCatalogEntry entryOf(const CatalogServiceRow& row) {
 
 std::vector<ServiceCatalogEntry> allEntries() {
     std::vector<ServiceCatalogEntry> entries;
+    entries.reserve(catalogServiceTable.size());
     for (const CatalogServiceRow& row : catalogServiceTable)
         entries.push_back(entryOf(row));
     return entries;

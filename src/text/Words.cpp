@@ -20,6 +20,7 @@ Step firstCharacter(std::string_view text) {
     const auto length = static_cast<std::int32_t>(std::min(text.size(), std::size_t{U8_MAX_LENGTH}));
     std::int32_t used = 0;
     UChar32 character = 0;
+    // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro is made so.
     U8_NEXT(bytes, used, length, character);
     return {static_cast<std::size_t>(used), character >= 0 && u_isUWhiteSpace(character)};
 }
