@@ -31,19 +31,21 @@ Task<StatusFeedAnswer> askStatusFeed(ProviderCheckDependencies dependencies, HTT
     SecureRequestPolicy policy, ProviderAdapterIdentity adapter) {
     const TaskContext context = co_await currentContext();
     StatusFeedAnswer answer;
+    bool cancelled = false;
     try {
         auto fetching = dependencies.fetch(std::move(request), std::move(policy));
         const FreshHTTPResponse response = co_await std::move(fetching);
         answer.httpStatus = response.statusCode;
         answer.kind = readResponse(response, adapter, answer.status);
     } catch (const CancellationError&) {
-        throw;
+        cancelled = true;
     } catch (...) {
         answer.kind = Kind::Failed;
         answer.failure = currentFailure();
     }
-    // A failure may be the cancellation in other words, and nobody waits for a result.
-    if (context.isCancelled()) throw CancellationError();
+    // A failure may be the cancellation in other words, and nobody waits for a result. What is thrown is always our
+    // own: the client's error is shared with its executor, where thread checkers cannot see who frees it last.
+    if (cancelled || context.isCancelled()) throw CancellationError();
     co_return answer;
 }
 
