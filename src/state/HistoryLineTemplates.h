@@ -10,8 +10,8 @@
 namespace kestrin {
 
 /// Recognises lines that differ from a plain one seen lately in nothing but the digits of their time stamp and
-/// their elapsed time, which is most of a history: such a line is plain as well, but for its length. A few are remembered, since up and
-/// down or two sets of addresses take turns; learning one more forgets the oldest.
+/// their elapsed time, which is most of a history: such a line is plain as well, but for its length. A few are
+/// remembered, since up and down or two sets of addresses take turns; learning one more forgets the oldest.
 class HistoryLineTemplates {
 public:
     struct Match {

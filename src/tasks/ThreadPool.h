@@ -9,10 +9,10 @@
 namespace kestrin {
 
 /// Threads that are started when work waits and none is idle, up to a limit, and that end after a short idle time,
-/// so that a quiet program has only its standing ones. Work beyond the limit waits in order. The pool may be destroyed while work is
-/// stuck: such threads are left behind and touch nothing of the pool's owner, only what their work owns. Of what a
-/// piece of work hands over itself, the first may wait until that piece has ended: hand over last, never wait for
-/// it.
+/// so that a quiet program has only its standing ones. Work beyond the limit waits in order. The pool may be
+/// destroyed while work is stuck: such threads are left behind and touch nothing of the pool's owner, only what
+/// their work owns. Of what a piece of work hands over itself, the first may wait until that piece has ended: hand
+/// over last, never wait for it.
 class ThreadPool : public BlockingPool {
 public:
     /// `standingThreads` are started here and stay; with at least one, `run` never fails for want of a thread.
