@@ -21,7 +21,8 @@ std::filesystem::path createBackup(std::string_view content, const std::filesyst
     std::string stamp = timestampText(now);
     std::ranges::replace(stamp, ':', '-');
     for (int attempt = 1;; ++attempt) {
-        const std::string counter = attempt == 1 ? "" : "-" + std::to_string(attempt);
+        std::string counter;
+        if (attempt > 1) counter.append("-").append(std::to_string(attempt));
         std::filesystem::path path = directory / (std::string(prefix) + stamp + counter + ".json");
         if (AtomicStateFile::fileKind(path) != StateFileKind::missing) continue;
         try {

@@ -32,6 +32,7 @@ UChar32 nextCharacter(std::string_view text, std::size_t& offset) {
     const auto length = static_cast<std::int32_t>(std::min(text.size() - offset, std::size_t{U8_MAX_LENGTH}));
     std::int32_t used = 0;
     UChar32 character = 0;
+    // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): ICU's macro is made so.
     U8_NEXT(bytes, used, length, character);
     offset += static_cast<std::size_t>(used);
     return character < 0 ? replacementCharacter : character;
