@@ -25,12 +25,14 @@ namespace {
 constexpr std::size_t longestNamedKey = 80;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+enum class Maker { Ourselves, SomebodyElse };
+
 /// Builds the tree from the library's events. Open containers stand on a stack of their own, so that the depth of
 /// the input costs no stack of the thread. An event that returns false ends the parse; `problem` then says why.
 class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 public:
     /// `size` is that of the input, in bytes.
-    explicit TreeBuilder(std::size_t size) : size_(size) {}
+    TreeBuilder(std::size_t size, Maker maker) : size_(size), maker_(maker) {}
 
     bool null() override { return add(JSONValue()); }
     bool boolean(bool value) override { return add(JSONValue(value)); }
@@ -46,7 +48,10 @@ public:
         std::ranges::replace_if(text, isSeparator, '.');
         double value = 0;
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || end != text.data() + text.size()) return fail("a number is out of range");
+        // The library has refused what is too large, so this is too close to zero.
+        const bool isZero = error == std::errc::result_out_of_range && maker_ == Maker::SomebodyElse;
+        if ((error != std::errc() && !isZero) || end != text.data() + text.size())
+            return fail("a number is out of range");
         return add(JSONValue(value));
     }
 
@@ -64,7 +69,7 @@ public:
     bool end_object() override {
         Container done = std::move(open_.back());
         open_.pop_back();
-        if (hasDuplicate(done.keys)) return false;
+        if (maker_ == Maker::Ourselves && hasDuplicate(done.keys)) return false;
         JSONValue::Object object;
         object.reserve(done.keys.size());
         for (std::size_t i = 0; i < done.keys.size(); ++i)
@@ -124,6 +129,7 @@ private:
     }
 
     std::size_t size_;
+    Maker maker_;
     JSONValue root_;
     std::vector<Container> open_;
     std::string problem_;
@@ -133,15 +139,12 @@ private:
     throw JSONError("This is not valid JSON: " + problem + ".");
 }
 
-} // namespace
-
-JSONValue parseJSON(std::string_view text) {
-    // The library takes a NUL for the end of the text and skips a byte order mark.
-    if (text.starts_with(byteOrderMark)) refuse("it begins with a byte order mark");
+JSONValue parse(std::string_view text, Maker maker) {
+    // The library takes a NUL for the end of the text.
     if (const auto nul = text.find('\0'); nul != std::string_view::npos)
         refuse("byte " + std::to_string(nul + 1) + " is not acceptable");
     try {
-        TreeBuilder builder(text.size());
+        TreeBuilder builder(text.size(), maker);
         if (!nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder)) refuse(builder.problem());
         return builder.take();
     } catch (const std::bad_alloc&) {
@@ -149,6 +152,18 @@ JSONValue parseJSON(std::string_view text) {
     } catch (const std::length_error&) {
         refuse("it is too large for the memory");
     }
+}
+
+} // namespace
+
+JSONValue parseJSON(std::string_view text) {
+    // Which the library skips.
+    if (text.starts_with(byteOrderMark)) refuse("it begins with a byte order mark");
+    return parse(text, Maker::Ourselves);
+}
+
+JSONValue parseForeignJSON(std::string_view text) {
+    return parse(text, Maker::SomebodyElse);
 }
 
 } // namespace kestrin

@@ -16,4 +16,9 @@ inline constexpr std::size_t maximumJSONDepth = 128;
 /// Any thread, any input of any size; never recursive in the depth of the input.
 [[nodiscard]] JSONValue parseJSON(std::string_view text);
 
+/// The same for a text of somebody else's making, of which only some keys are of interest: a byte order mark in
+/// front is passed over, a fraction closer to zero than a double can be is zero, and a key may stand twice.
+/// `JSONReader` refuses such a key when it is asked for.
+[[nodiscard]] JSONValue parseForeignJSON(std::string_view text);
+
 } // namespace kestrin

@@ -128,18 +128,32 @@ std::optional<JSONReader> JSONReader::optionalObject(std::string_view key) const
     return value == nullptr ? std::nullopt : std::optional(JSONReader(*value, pathOf(key)));
 }
 
+std::vector<JSONReader> JSONReader::optionalObjects(std::string_view key) const {
+    return present(key) == nullptr ? std::vector<JSONReader>() : objects(key);
+}
+
 std::string JSONReader::pathOf(std::string_view key) const {
     return path_.empty() ? std::string(key) : path_ + "." + std::string(key);
 }
 
+const JSONValue* JSONReader::member(std::string_view key) const {
+    const JSONValue* found = nullptr;
+    for (const auto& [name, value] : *value_->asObject()) {
+        if (name != key) continue;
+        if (found != nullptr) throw JSONError("“" + pathOf(key) + "” stands there twice.");
+        found = &value;
+    }
+    return found;
+}
+
 const JSONValue& JSONReader::required(std::string_view key) const {
-    const JSONValue* value = value_->member(key);
+    const JSONValue* value = member(key);
     if (value == nullptr) throw JSONError("“" + pathOf(key) + "” is missing.");
     return *value;
 }
 
 const JSONValue* JSONReader::present(std::string_view key) const {
-    const JSONValue* value = value_->member(key);
+    const JSONValue* value = member(key);
     return value == nullptr || value->isNull() ? nullptr : value;
 }
 

@@ -30,10 +30,4 @@ ParsedProviderStatus unknownOutcome(FeedOrigin origin) {
     return statedOutcome(std::move(origin), ProviderState::unknown, title(ProviderState::unknown));
 }
 
-std::vector<JSONReader> optionalObjects(const JSONValue& object, std::string_view key) {
-    const JSONValue* list = object.member(key);
-    if (list == nullptr || list->isNull()) return {};
-    return JSONReader(object).objects(key);
-}
-
 } // namespace kestrin

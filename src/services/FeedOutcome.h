@@ -1,12 +1,10 @@
 #pragma once
 
 #include "services/ParsedProviderStatus.h"
-#include "json/JSONReader.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kestrin {
 
@@ -21,9 +19,5 @@ struct FeedOrigin {
 
 /// The outcome of a feed that cannot be reconciled with itself or with what is known of its format.
 [[nodiscard]] ParsedProviderStatus unknownOutcome(FeedOrigin origin);
-
-/// The objects of a list, none if it is absent or null. Throws `JSONError` for another value and for a list with
-/// anything but objects.
-[[nodiscard]] std::vector<JSONReader> optionalObjects(const JSONValue& object, std::string_view key);
 
 } // namespace kestrin

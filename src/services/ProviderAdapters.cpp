@@ -69,7 +69,7 @@ ParsedProviderStatus parseProviderStatus(
     const Adapter* adapter = adapterOf(adapterID, adapterVersion);
     if (adapter == nullptr) throw ProviderAdapterParseError(ProviderAdapterParseError::Kind::unrecognized);
     try {
-        return adapter->read(parseJSON(data));
+        return adapter->read(parseForeignJSON(data));
     } catch (const JSONError&) {
         throw ProviderAdapterParseError(ProviderAdapterParseError::Kind::malformed);
     }

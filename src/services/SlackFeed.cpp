@@ -1,12 +1,11 @@
 #include "services/SlackFeed.h"
 
 #include "services/FeedOutcome.h"
+#include "services/FeedWords.h"
 #include "services/ProviderAdapterParseError.h"
-#include "text/ASCIICase.h"
 #include "json/JSONReader.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <string_view>
 
 namespace kestrin {
@@ -15,15 +14,6 @@ namespace {
 
 constexpr const char* pageName = "Slack";
 constexpr std::string_view allWell = "All Systems Operational";
-
-/// Whether the text is the name, which has small letters only, in any case of A to Z.
-bool says(const std::optional<std::string>& text, std::string_view name) {
-    return text && asciiLowercase(*text) == name;
-}
-
-bool saysOneOf(const std::optional<std::string>& text, std::initializer_list<std::string_view> names) {
-    return text && std::ranges::find(names, std::string_view(asciiLowercase(*text))) != names.end();
-}
 
 bool isComplete(const SlackFeed::Incident& incident) {
     return incident.title && !incident.title->empty() &&
@@ -38,7 +28,7 @@ SlackFeed SlackFeed::decode(const JSONValue& document) {
     SlackFeed feed;
     feed.status = reader.optionalString("status");
     feed.dateUpdated = reader.optionalString("date_updated");
-    for (const JSONReader& incident : optionalObjects(document, "active_incidents"))
+    for (const JSONReader& incident : reader.optionalObjects("active_incidents"))
         feed.activeIncidents.push_back(
             {incident.optionalString("title"), incident.optionalString("type"), incident.optionalString("status")});
     return feed;

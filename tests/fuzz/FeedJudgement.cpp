@@ -33,7 +33,7 @@ Reading adapterReading(std::string_view response, const std::string& adapterID) 
 
 std::optional<JSONValue> parsed(std::string_view response) {
     try {
-        return parseJSON(response);
+        return parseForeignJSON(response);
     } catch (const JSONError&) {
         return std::nullopt;
     }

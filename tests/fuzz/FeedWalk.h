@@ -9,7 +9,8 @@
 namespace kestrin {
 
 /// A place in a feed, for a second reading that shares nothing with the adapters but the parser. A value of the
-/// wrong type reads like an absent one and is noted, once for all places of one feed.
+/// wrong type reads like an absent one and is noted, once for all places of one feed; so is a key that stands
+/// twice.
 class FeedWalk {
 public:
     /// `value` is null where nothing is. Both must outlive the walk.
@@ -44,10 +45,14 @@ public:
 
 private:
     [[nodiscard]] const JSONValue* present(std::string_view key) const {
-        if (value_ == nullptr) return nullptr;
-        for (const auto& [name, member] : *value_->asObject())
-            if (name == key) return member.isNull() ? nullptr : &member;
-        return nullptr;
+        const JSONValue* found = nullptr;
+        if (value_ == nullptr) return found;
+        for (const auto& [name, member] : *value_->asObject()) {
+            if (name != key) continue;
+            if (found != nullptr) *wrongType_ = true;
+            found = &member;
+        }
+        return found == nullptr || found->isNull() ? nullptr : found;
     }
 
     const JSONValue* value_;

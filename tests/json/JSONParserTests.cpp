@@ -77,6 +77,33 @@ TEST(ParsingJSON, refusesNULAndByteOrderMark) {
     EXPECT_EQ(*parseJSON(R"("a\u0000b")").asString(), std::string("a\0b", 3));
 }
 
+TEST(ParsingForeignJSON, keepsBothMembersOfAKeyThatStandsTwice) {
+    EXPECT_EQ(parseForeignJSON(R"({"a":1,"b":2,"a":3})"), JSONValue::object({{"a", 1}, {"b", 2}, {"a", 3}}));
+}
+
+TEST(ParsingForeignJSON, passesOverOneByteOrderMarkInFrontAndNoOther) {
+    EXPECT_EQ(parseForeignJSON("\xEF\xBB\xBF{}"), JSONValue::object({}));
+    for (const char* text : {"\xEF\xBB\xBF", "\xEF\xBB\xBF\xEF\xBB\xBF{}", "{\xEF\xBB\xBF}", " \xEF\xBB\xBF{}",
+             "{}\xEF\xBB\xBF", "\xEF\xBB{}"})
+        EXPECT_THROW(static_cast<void>(parseForeignJSON(text)), JSONError) << text;
+}
+
+TEST(ParsingForeignJSON, takesWhatIsCloserToZeroThanADoubleCanBeForZero) {
+    for (const char* text : {"1e-400", "-1e-400", "0.1e-999999"}) {
+        EXPECT_EQ(parseForeignJSON(text), JSONValue(0.0)) << text;
+        EXPECT_TRUE(refused(text)) << text;
+    }
+    for (const char* text : {"1e400", "-1e400"})
+        EXPECT_THROW(static_cast<void>(parseForeignJSON(text)), JSONError) << text;
+}
+
+TEST(ParsingForeignJSON, isOtherwiseAsStrict) {
+    for (const char* text : {"", "{", "{} {}", "[1,]", "// c\n1", "NaN", "\"\xFF\"", R"("\ud800")"})
+        EXPECT_THROW(static_cast<void>(parseForeignJSON(text)), JSONError) << text;
+    EXPECT_THROW(static_cast<void>(parseForeignJSON(std::string_view("{}\0", 3))), JSONError);
+    EXPECT_THROW(static_cast<void>(parseForeignJSON(nested(maximumJSONDepth + 1, "[", "]"))), JSONError);
+}
+
 TEST(ParsingJSON, refusesWhatIsNoJSON) {
     for (const char* text :
         {"", " ", "{", "}", "[1,]", "{\"a\":1,}", "{} {}", "{}x", "[1 2]", "{a:1}", "{'a':1}", "tru", "True", "nul",

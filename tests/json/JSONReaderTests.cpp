@@ -100,3 +100,23 @@ TEST(ReadingTypedMembers, isStrictAboutAnOptionalThatIsThere) {
     EXPECT_EQ(reading("1", &JSONReader::optionalString), "“k” must be text.");
     EXPECT_EQ(reading("[]", &JSONReader::optionalObject), "“k” must be an object.");
 }
+
+TEST(ReadingTypedMembers, refusesAKeyThatStandsTwiceOnlyWhenItIsRead) {
+    const JSONValue value = parseForeignJSON(R"({"o":{"k":"a","other":1,"k":"a","l":[]}})");
+    const JSONReader reader = JSONReader(value).object("o");
+    EXPECT_EQ(message([&] { static_cast<void>(reader.string("k")); }), "“o.k” stands there twice.");
+    EXPECT_EQ(message([&] { static_cast<void>(reader.optionalBoolean("k")); }), "“o.k” stands there twice.");
+    EXPECT_EQ(reader.signedInteger("other"), 1);
+}
+
+TEST(ReadingTypedMembers, givesNoObjectsForAnOptionalListThatIsAbsentOrNull) {
+    const JSONValue value = parseJSON(R"({"null":null,"two":[{},{"k":1}],"text":"","numbers":[1]})");
+    const JSONReader reader(value);
+    EXPECT_TRUE(reader.optionalObjects("absent").empty());
+    EXPECT_TRUE(reader.optionalObjects("null").empty());
+    ASSERT_EQ(reader.optionalObjects("two").size(), 2u);
+    EXPECT_EQ(reader.optionalObjects("two")[1].signedInteger("k"), 1);
+    EXPECT_EQ(message([&] { static_cast<void>(reader.optionalObjects("text")); }), "“text” must be a list.");
+    EXPECT_EQ(
+        message([&] { static_cast<void>(reader.optionalObjects("numbers")); }), "“numbers[0]” must be an object.");
+}
