@@ -1,7 +1,6 @@
 """One append against the system calls that it makes."""
 
 import re
-import shutil
 import subprocess
 
 import rounds

@@ -3,11 +3,11 @@
 //
 // check: as the program does. calls: the same system calls with the same arguments and nothing else. six: open,
 // read a byte, write, fstat, close alone, without those that guard the path.
-#include "state/HistoryAppending.h"
+#include "CPUTime.h"
+#include "state/HistoryLine.h"
 #include "state/StateWriter.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +21,8 @@
 namespace {
 
 using namespace kestrin;
-using Microseconds = std::chrono::duration<double, std::micro>;
+using bench::cpuTime;
+using bench::Microseconds;
 
 CheckRecord record() {
     return {"2026-01-31T09:05:00Z", "site-1", "https://www.site-1.example/status?from=here", true,
@@ -60,15 +61,6 @@ struct Calls {
         require(::close(descriptor) == 0);
     }
 };
-
-Microseconds cpuTime() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) {
-        return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
-    };
-    return of(usage.ru_utime) + of(usage.ru_stime);
-}
 
 void measure(int count, const std::function<void()>& append) {
     append(); // the first one creates the file or finds it in no cache

@@ -1,10 +1,10 @@
 // feed_reading (ADAPTER|nlohmann) FILE COUNT - reads a status feed COUNT times, by one of our adapters or by plain
 // parsing of the same bytes, and prints the CPU time of one reading in microseconds and by how many kilobytes the
 // process grew at most.
+#include "CPUTime.h"
 #include "services/ProviderAdapters.h"
 
 #include <nlohmann/json.hpp>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -17,15 +17,6 @@
 namespace {
 
 using namespace kestrin;
-
-double cpuMicroseconds() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_usec);
-    };
-    return of(usage.ru_utime) + of(usage.ru_stime);
-}
 
 /// The most that was resident since the program began. What getrusage tells begins with its parent's.
 long peakKilobytes() {
@@ -55,10 +46,10 @@ int main(int argc, char** argv) {
         const std::string feed(std::istreambuf_iterator<char>(file), {});
         const int count = std::atoi(argv[3]);
         const long peakBefore = peakKilobytes();
-        const double before = cpuMicroseconds();
+        const bench::Microseconds before = bench::cpuTime();
         for (int index = 0; index < count; ++index)
             read(argv[1], feed);
-        std::cout << (cpuMicroseconds() - before) / count << " " << peakKilobytes() - peakBefore << "\n";
+        std::cout << (bench::cpuTime() - before).count() / count << " " << peakKilobytes() - peakBefore << "\n";
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << "\n";
         return EXIT_FAILURE;

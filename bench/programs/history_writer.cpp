@@ -4,7 +4,7 @@
 // recurring: one website with a few sets of addresses, as most are. distinct: every line has addresses of its own.
 // LONG-LINES lines of nearly 8 MB are spread among the others, of KIND text (one long error) or values (an unknown
 // field full of numbers).
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryScanner.h"
 #include "text/Timestamp.h"
 

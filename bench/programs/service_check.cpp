@@ -1,6 +1,7 @@
 // service_check HOST ADDRESS PORT BUNDLE COUNT - makes COUNT checks of one status service, one after the other, as
 // the program makes them, all of it but the system's name look-up, which answers from a script. Prints the CPU time
 // of this whole process for one, in microseconds. The authorities are read before.
+#include "CPUTime.h"
 #include "destinations/URLSplitter.h"
 #include "fakes/ScriptedResolver.h"
 #include "fakes/VirtualClock.h"
@@ -9,8 +10,6 @@
 #include "tasks/SerialExecutor.h"
 #include "tasks/Spawn.h"
 #include "tasks/ThreadPool.h"
-
-#include <sys/resource.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -66,15 +65,6 @@ private:
         clock_, [] { return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()); }};
 };
 
-double cpuMicroseconds() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_usec);
-    };
-    return of(usage.ru_utime) + of(usage.ru_stime);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -87,10 +77,10 @@ int main(int argc, char** argv) {
         for (int warmingUp = 0; warmingUp < 3; ++warmingUp)
             checks.make();
         const int count = std::atoi(argv[5]);
-        const double before = cpuMicroseconds();
+        const bench::Microseconds before = bench::cpuTime();
         for (int index = 0; index < count; ++index)
             checks.make();
-        std::cout << (cpuMicroseconds() - before) / count << "\n";
+        std::cout << (bench::cpuTime() - before).count() / count << "\n";
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << "\n";
         return EXIT_FAILURE;

@@ -3,6 +3,7 @@
 //
 // check: a website check as the program makes it, all of it but the system's name look-up, which answers from a
 // script. handshake: connecting and a TLS handshake, no more. exchange: the same with a request and its answer.
+#include "CPUTime.h"
 #include "fakes/ScriptedResolver.h"
 #include "fakes/VirtualClock.h"
 #include "http/CurlTransport.h"
@@ -14,7 +15,6 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <openssl/ssl.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -32,7 +32,8 @@ namespace {
 
 using namespace kestrin;
 using namespace std::chrono_literals;
-using Microseconds = std::chrono::duration<double, std::micro>;
+using bench::cpuTime;
+using bench::Microseconds;
 
 struct Target {
     std::string host;
@@ -109,15 +110,6 @@ void shakeHands(const Target& target, X509_STORE* trusted, bool exchanges) {
     if (!done) throw std::runtime_error("No handshake.");
     SSL_shutdown(session.get());
     ::close(descriptor);
-}
-
-Microseconds cpuTime() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto of = [](const timeval& time) {
-        return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
-    };
-    return of(usage.ru_utime) + of(usage.ru_stime);
 }
 
 double measured(int count, const std::function<void()>& make) {

@@ -45,7 +45,7 @@ HistoryAppend extend(const std::filesystem::path& path, const std::string& line)
     const struct stat status = file.status();
     requireRegular(status);
     const std::string added = endsInTornLine(file, status.st_size) ? "\n" + line : line;
-    writeAll(added, file.get(), "The disk took no data.");
+    writeAll(added, file.get(), diskTookNoData);
     HistoryAppend append = {.before = revisionOf(status), .after = revisionOf(file.status())};
     append.before.byteCount = append.after.byteCount - static_cast<std::int64_t>(added.size());
     file.close();

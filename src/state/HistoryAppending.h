@@ -1,7 +1,5 @@
 #pragma once
 
-#include "model/CheckRecord.h"
-#include "model/ProviderCheckRecord.h"
 #include "state/HistoryAppend.h"
 #include "state/HistoryPath.h"
 
@@ -9,10 +7,6 @@
 #include <string>
 
 namespace kestrin {
-
-/// A record as a line of its history file, without the line feed; absent optionals are left out.
-[[nodiscard]] std::string historyLine(const CheckRecord& record);
-[[nodiscard]] std::string historyLine(const ProviderCheckRecord& record);
 
 /// Adds a line to a target's history file, creating file and directories, and returns the file's revisions.
 /// The former bytes stay as they are, whatever fails: at most the new line is torn, and the next append seals it

@@ -1,9 +1,9 @@
 #include "state/HistoryLineTemplates.h"
 
-#include <bit>
+#include "state/EightBytes.h"
+
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 namespace kestrin {
 
@@ -11,18 +11,6 @@ namespace {
 
 constexpr std::string_view shapeOfTimestamp = "0000-00-00T00:00:00Z"; // a zero stands for any digit
 constexpr std::size_t timestampEnd = PlainHistoryLine::timestampOffset + shapeOfTimestamp.size();
-
-/// Eight bytes with the first one lowest.
-constexpr std::uint64_t eightBytes(const char* bytes) {
-    std::uint64_t word = 0;
-    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {
-        std::memcpy(&word, bytes, sizeof word);
-        return word;
-    }
-    for (std::size_t i = 0; i < sizeof word; ++i)
-        word |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
-    return word;
-}
 
 /// Whether eight bytes have the shape of the time stamp from `offset` on, judged all at once.
 template <std::size_t offset> bool haveShape(const char* timestamp) {

@@ -1,6 +1,7 @@
 #include "state/PlainHistoryLine.h"
 
 #include "model/ProviderState.h"
+#include "state/EightBytes.h"
 #include "state/HistoryKeys.h"
 
 #include <algorithm>
@@ -27,14 +28,6 @@ constexpr auto member = [] {
 
 constexpr std::uint64_t everyByte(std::uint64_t byte) {
     return byte * 0x0101'0101'0101'0101;
-}
-
-/// Eight bytes with the first one lowest.
-std::uint64_t eightBytes(const char* bytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) word = std::byteswap(word);
-    return word;
 }
 
 /// Sets the highest bit of each byte that a string of a plain line cannot hold: a quote, a backslash, a control

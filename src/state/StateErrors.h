@@ -34,11 +34,6 @@ struct StateWriteError : MessageError {
     using MessageError::MessageError;
 };
 
-/// The state of an early version could not be taken over.
-struct StateMigrationError : MessageError {
-    using MessageError::MessageError;
-};
-
 /// A failure of the operating system. `code` is the `errno`, or `EIO` for a number that is none; the message is the
 /// system's English sentence for it, the same in every locale, for instance "No space left on device".
 struct POSIXError : MessageError {

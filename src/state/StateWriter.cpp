@@ -5,11 +5,13 @@
 #include "state/ConfigurationFile.h"
 #include "state/FileMode.h"
 #include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/LastingDirectory.h"
 #include "state/SiteConfigurationCoding.h"
 #include "state/StandardizedPath.h"
 #include "state/TemporaryFile.h"
 #include "state/WholeFileCreation.h"
+#include "state/WriteAll.h"
 #include "json/JSONWriter.h"
 
 #include <cerrno>
@@ -23,7 +25,7 @@ namespace {
 
 void replace(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
     TemporaryFile temporary(root / (".sites-" + freshUUID() + ".tmp"), defaultFileMode);
-    AtomicStateFile::writeAllAndSync(text, temporary.descriptor(), "The disk took no data.");
+    AtomicStateFile::writeAllAndSync(text, temporary.descriptor(), diskTookNoData);
     temporary.renameTo(file);
     AtomicStateFile::syncDirectory(root);
 }

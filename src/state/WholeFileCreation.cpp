@@ -15,13 +15,11 @@ namespace kestrin {
 
 namespace {
 
-constexpr std::string_view nothingWritten = "The disk took no data.";
-
 void write(std::string_view data, int descriptor, Durability durability) {
     if (durability == Durability::Synced)
-        AtomicStateFile::writeAllAndSync(data, descriptor, nothingWritten);
+        AtomicStateFile::writeAllAndSync(data, descriptor, diskTookNoData);
     else
-        writeAll(data, descriptor, nothingWritten);
+        writeAll(data, descriptor, diskTookNoData);
 }
 
 /// Bytes that are not synced may be refused as late as this.

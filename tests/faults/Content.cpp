@@ -1,7 +1,7 @@
 #include "faults/Content.h"
 
 #include "services/CustomProviderCoding.h"
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/SiteConfigurationCoding.h"
 #include "json/JSONWriter.h"
 

@@ -1,8 +1,8 @@
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/GuardedBytes.h"
 #include "fuzz/StrictHistoryLine.h"
-#include "state/HistoryAppending.h"
 #include "state/HistoryFold.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryLineDecoder.h"
 #include "state/HistoryLineSplitter.h"
 

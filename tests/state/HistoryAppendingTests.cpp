@@ -3,6 +3,7 @@
 #include "fakes/TemporaryDirectory.h"
 #include "state/AsAnotherUser.h"
 #include "state/FileRevision.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryScanner.h"
 #include "state/StateErrors.h"
 #include "state/StateWriter.h"

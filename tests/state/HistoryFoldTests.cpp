@@ -1,6 +1,6 @@
 #include "state/HistoryFold.h"
 
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryLineMutations.h"
 #include "state/HistoryLineSplitter.h"
 

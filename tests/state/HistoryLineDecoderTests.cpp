@@ -1,6 +1,6 @@
 #include "state/HistoryLineDecoder.h"
 
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryLineMutations.h"
 #include "state/HistoryScanner.h"
 

@@ -1,6 +1,6 @@
 #include "fakes/TemporaryDirectory.h"
 #include "fuzz/Choices.h"
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/StateReader.h"
 #include "state/StateWriter.h"
 

@@ -1,6 +1,6 @@
 #include "state/JSONObjectWalk.h"
 
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryLineMutations.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "state/PlainHistoryLine.h"
 
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryLineTemplates.h"
 #include "state/HistoryScanner.h"
 

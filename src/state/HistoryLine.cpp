@@ -1,4 +1,4 @@
-#include "state/HistoryAppending.h"
+#include "state/HistoryLine.h"
 #include "state/HistoryKeys.h"
 #include "json/JSONWriter.h"
 
