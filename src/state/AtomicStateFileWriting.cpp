@@ -9,13 +9,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace kestrin {
 
 namespace {
-
-void sync(int descriptor) {
-    if (::fsync(descriptor) != 0) throwPOSIXError();
-}
 
 void requireReplaceable(StateFileKind kind, const ReplaceFileRules& rules) {
     if (kind != StateFileKind::missing && kind != StateFileKind::regularFile)
@@ -30,11 +28,13 @@ void requireUnchanged(StateFileKind before, StateFileKind now, const ReplaceFile
 
 void AtomicStateFile::writeAllAndSync(std::string_view data, int descriptor, std::string_view message) {
     writeAll(data, descriptor, message);
-    sync(descriptor);
+    if (::fsync(descriptor) != 0) throwPOSIXError();
 }
 
 void AtomicStateFile::syncDirectory(const std::filesystem::path& url) {
-    sync(FileDescriptor::open(url, O_RDONLY | O_DIRECTORY).get());
+    const FileDescriptor directory = FileDescriptor::open(url, O_RDONLY | O_DIRECTORY);
+    // Some file systems keep no names of their own that could be flushed, and say so.
+    if (::fsync(directory.get()) != 0 && errno != EINVAL) throwPOSIXError();
 }
 
 void AtomicStateFile::writeNewFile(

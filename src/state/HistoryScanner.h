@@ -19,8 +19,8 @@ inline constexpr std::size_t maximumHistoryLineBytes = 8'388'608;
 /// The readable bytes behind every line that a sink gets; what they hold means nothing.
 inline constexpr std::size_t historyLinePadding = 64;
 
-/// Taken for as long as a line of more than a megabyte is gathered and handed on. Scans that share one have at most
-/// one such line in memory, however many of them run.
+/// Taken for as long as a line is gathered and handed on that needs a buffer of more than a megabyte, as all those
+/// do that are longer. Scans that share one have at most one such line in memory, however many of them run.
 using HugeLineTurn = std::mutex;
 
 /// Takes the lines of a history file, one by one or several at once.

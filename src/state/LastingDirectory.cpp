@@ -7,12 +7,7 @@
 
 namespace kestrin {
 
-void ensureLastingDirectory(const std::filesystem::path& directory, std::string_view message) {
-    if (AtomicStateFile::fileKind(directory) == StateFileKind::missing)
-        for (const std::filesystem::path& made : createDirectories(directory))
-            syncNameOf(made);
-    AtomicStateFile::ensureDirectory(directory, IfMissing::Refuse, message);
-}
+namespace {
 
 // By "..", so that a parent that is a link does not matter; one that may only be passed through cannot be flushed
 // and is no reason to refuse a save.
@@ -22,6 +17,17 @@ void syncNameOf(const std::filesystem::path& directory) {
     } catch (const POSIXError& error) {
         if (error.code != EACCES) throw;
     }
+}
+
+} // namespace
+
+void ensureLastingDirectory(const std::filesystem::path& directory, std::string_view message) {
+    if (AtomicStateFile::fileKind(directory) == StateFileKind::missing)
+        for (const std::filesystem::path& made : createDirectories(directory))
+            syncNameOf(made);
+    AtomicStateFile::ensureDirectory(directory, IfMissing::Refuse, message);
+    // Also of one that was there: whoever made it may have been killed before it came to this.
+    syncNameOf(directory);
 }
 
 } // namespace kestrin

@@ -10,7 +10,7 @@ namespace kestrin {
 [[nodiscard]] std::filesystem::path standardizedPath(std::filesystem::path path);
 
 /// Makes a directory of default attributes with its intermediate directories, unless it is there, and returns those
-/// that it made, outermost first. Throws `POSIXError`. A link to a directory counts as one.
+/// that were missing, outermost first. Throws `POSIXError`. A link to a directory counts as one.
 std::vector<std::filesystem::path> createDirectories(const std::filesystem::path& path);
 
 } // namespace kestrin

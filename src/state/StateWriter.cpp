@@ -60,7 +60,6 @@ void createFirstFile(const std::filesystem::path& root, const std::filesystem::p
 /// False when the file has come into being meanwhile.
 bool createFirst(const std::filesystem::path& root, const std::filesystem::path& file, std::string_view text) {
     try {
-        syncNameOf(root); // a first save may have been killed before it came to this
         createFirstFile(root, file, text);
         return true;
     } catch (const POSIXError& error) {

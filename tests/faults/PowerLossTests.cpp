@@ -105,6 +105,23 @@ TEST(AFirstSave, putsAlsoTheNameOfADirectoryOnTheDiskThatAKilledOneHadMade) {
     EXPECT_GT(judged, 0);
 }
 
+/// The same of the directory of backups, whose name must be on the disk before the file is replaced.
+TEST(ASaveWithABackup, putsAlsoTheNameOfADirectoryOnTheDiskThatAKilledOneHadMade) {
+    std::set<std::string_view> judged;
+    for (const Scene& scene : scenes()) {
+        const Operation& operation = scene.operation;
+        if (operation.name != "firstSaveWithABackup" && operation.name != "saveOfAddedServicesWithAFirstBackup")
+            continue;
+        judged.insert(operation.name);
+        const std::string backups = operation.root + "/backups";
+        Scene afterAKill = scene;
+        afterAKill.operation.before[backups] = std::nullopt;
+        const std::string wrong = faultIn(operation, aftermathOf(afterAKill, KESTRIN_STATE_DRIVER, backups));
+        EXPECT_TRUE(wrong.empty()) << nameOf(scene) << ": " << wrong;
+    }
+    EXPECT_EQ(judged.size(), 2u);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     During, ALossOfPower, testing::ValuesIn(scenes()), [](const auto& scene) { return nameOf(scene.param); });
 

@@ -46,6 +46,14 @@ TEST(ClassifyingAPath, tellsEveryKindWithoutFollowingALink) {
     EXPECT_EQ(AtomicStateFile::fileKind(directory / "missing"), StateFileKind::missing);
 }
 
+TEST(SyncingADirectory, isDoneWhereTheFileSystemFlushesNone) {
+    const int processes = ::open("/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_NE(::fsync(processes), 0) << "another file system has to serve";
+    ASSERT_EQ(errno, EINVAL);
+    ::close(processes);
+    EXPECT_NO_THROW(AtomicStateFile::syncDirectory("/proc"));
+}
+
 TEST(ClassifyingAPath, callsASocketOther) {
     const TemporaryDirectory directory;
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
