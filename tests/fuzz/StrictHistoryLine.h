@@ -11,7 +11,7 @@
 namespace kestrin {
 
 /// A history line read by the strict reader of the state files, which shares nothing with the decoder of history
-/// lines: slow, and a second opinion on it.
+/// lines but the names of states and failures: slow, and a second opinion on it.
 class StrictHistoryLine {
 public:
     explicit StrictHistoryLine(std::string_view line);
