@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -19,7 +20,6 @@ namespace kestrin {
 
 namespace {
 
-constexpr std::chrono::milliseconds pause{10};
 constexpr std::size_t longestToken = 4096;
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
 /// Whoever clears away old files of a runtime directory leaves those with this bit.
@@ -49,19 +49,6 @@ int datagramSocket() {
     return ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
 }
 
-/// Asks again and again until it works, another error than `waitsFor` comes, or the time is over; errno tells why
-/// not.
-template <class Attempt>
-bool succeedsWithin(std::chrono::milliseconds limit, const Attempt& attempt, int waitsFor) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!attempt()) {
-        if (errno == EINTR) continue;
-        if (errno != waitsFor || std::chrono::steady_clock::now() >= deadline) return false;
-        std::this_thread::sleep_for(pause);
-    }
-    return true;
-}
-
 /// Whether the file that was locked is still the one of that name; otherwise the next start would lock another.
 bool isAtPath(int descriptor, const std::filesystem::path& path) {
     struct stat locked{};
@@ -72,9 +59,9 @@ bool isAtPath(int descriptor, const std::filesystem::path& path) {
 
 } // namespace
 
-InstanceLock::InstanceLock(std::filesystem::path file, std::chrono::milliseconds patience)
-    : file_(std::move(file)), socketPath_(std::filesystem::path(file_).replace_extension("socket")),
-      patience_(patience) {}
+InstanceLock::InstanceLock(std::filesystem::path file, int looks, std::function<void()> rest)
+    : file_(std::move(file)), socketPath_(std::filesystem::path(file_).replace_extension("socket")), looks_(looks),
+      rest_(std::move(rest)) {}
 
 InstanceLock::~InstanceLock() {
     notifier_.reset();
@@ -96,13 +83,27 @@ std::filesystem::path InstanceLock::place() {
     return std::filesystem::path("/tmp") / name;
 }
 
+void InstanceLock::restBriefly() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
+bool InstanceLock::succeedsInTime(
+    const std::function<bool()>& attempt, std::initializer_list<int> passingErrors) const {
+    for (int look = 1; !attempt();) {
+        if (errno == EINTR) continue;
+        if (std::ranges::find(passingErrors, errno) == passingErrors.end() || look++ == looks_) return false;
+        rest_();
+    }
+    return true;
+}
+
 InstanceLock::Result InstanceLock::acquire(const std::string& activationToken) {
     do {
         if (lock_ >= 0) ::close(lock_);
         lock_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, ownerOnly);
         if (lock_ < 0 || !isOwnFile(lock_)) return Result::Unavailable;
         const auto lock = [this] { return ::flock(lock_, LOCK_EX | LOCK_NB) == 0; };
-        if (!succeedsWithin(patience_, lock, EWOULDBLOCK)) {
+        if (!succeedsInTime(lock, {EWOULDBLOCK})) {
             if (errno != EWOULDBLOCK) return Result::Unavailable;
             callHolder(activationToken);
             return Result::Taken;
@@ -143,9 +144,8 @@ void InstanceLock::callHolder(const std::string& activationToken) const {
         return ::sendto(descriptor, activationToken.data(), std::min(activationToken.size(), longestToken),
                    MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) >= 0;
     };
-    // The holder listens a moment after it has the lock.
-    if (address && descriptor >= 0 && !succeedsWithin(patience_, send, ENOENT))
-        succeedsWithin(patience_, send, ECONNREFUSED);
+    // The holder listens a moment after it has the lock, and may find the socket of one that was killed.
+    if (address && descriptor >= 0) succeedsInTime(send, {ENOENT, ECONNREFUSED});
     if (descriptor >= 0) ::close(descriptor);
 }
 

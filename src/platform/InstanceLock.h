@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QSocketNotifier>
-#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -21,10 +21,10 @@ public:
     };
 
     /// `file` is made where it is missing and stays there empty; a socket stands beside it while the lock is held.
-    /// For `patience` a first instance may be about to end: one that has given up its name on the bus is a few
-    /// system calls away from it.
-    explicit InstanceLock(
-        std::filesystem::path file, std::chrono::milliseconds patience = std::chrono::milliseconds(500));
+    /// A first instance may be about to end or have just begun: one that has given up its name on the bus is a few
+    /// system calls away from the one, one that has the lock as far from listening. So each is looked at up to
+    /// `looks` times, with a `rest` after each but the last.
+    explicit InstanceLock(std::filesystem::path file, int looks = 50, std::function<void()> rest = restBriefly);
     ~InstanceLock();
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
@@ -39,13 +39,18 @@ public:
     std::function<void(const std::string& activationToken)> onActivate;
 
 private:
+    static void restBriefly();
+
+    /// Tries until it works, an error comes that will not pass, or all looks are used up; errno tells why not.
+    bool succeedsInTime(const std::function<bool()>& attempt, std::initializer_list<int> passingErrors) const;
     void listen();
     void receive();
     void callHolder(const std::string& activationToken) const;
 
     std::filesystem::path file_;
     std::filesystem::path socketPath_;
-    std::chrono::milliseconds patience_;
+    int looks_;
+    std::function<void()> rest_;
     int lock_ = -1;
     int socket_ = -1;
     std::unique_ptr<QSocketNotifier> notifier_;

@@ -5,15 +5,17 @@
 #include "platform/SavedEnvironment.h"
 
 #include <QCoreApplication>
+#include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -22,7 +24,7 @@ namespace kestrin {
 using test::waitUntil;
 using Result = InstanceLock::Result;
 
-constexpr std::chrono::milliseconds atOnce{0};
+constexpr int atOnce = 1;
 
 /// Another program that holds a lock file, until it is killed.
 class Holder {
@@ -52,12 +54,38 @@ public:
         ::kill(process_, SIGKILL);
         ::waitpid(process_, nullptr, 0);
         process_ = -1;
+        holds = false;
     }
 
     bool holds = false;
 
 private:
     pid_t process_ = -1;
+};
+
+/// A socket that takes what a second start says.
+class Listener {
+public:
+    explicit Listener(const std::filesystem::path& path) : socket_(::socket(AF_UNIX, SOCK_DGRAM, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::memcpy(address.sun_path, path.c_str(), path.native().size());
+        if (::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            throw std::runtime_error("no socket");
+    }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+    ~Listener() { ::close(socket_); }
+
+    [[nodiscard]] std::string heard() const {
+        std::string text(100, '\0');
+        const ssize_t size = ::recv(socket_, text.data(), text.size(), MSG_DONTWAIT);
+        text.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+        return text;
+    }
+
+private:
+    int socket_;
 };
 
 class AnInstanceLock : public testing::Test {
@@ -107,10 +135,9 @@ TEST_F(AnInstanceLock, ofAProgramThatWasKilledLocksNobodyOut) {
 TEST_F(AnInstanceLock, waitsForAHolderThatIsAboutToEnd) {
     Holder other(file);
     ASSERT_TRUE(other.holds);
-    InstanceLock patient(file, std::chrono::hours(1));
-    std::thread ending([&] { other.kill(); });
+    InstanceLock patient(file, 2, [&] { other.kill(); });
     EXPECT_EQ(patient.acquire({}), Result::Held);
-    ending.join();
+    EXPECT_FALSE(other.holds);
 }
 
 TEST_F(AnInstanceLock, takesThePlaceOfASocketThatACrashLeft) {
@@ -118,6 +145,23 @@ TEST_F(AnInstanceLock, takesThePlaceOfASocketThatACrashLeft) {
     ASSERT_EQ(first.acquire({}), Result::Held);
     EXPECT_EQ(InstanceLock(file, atOnce).acquire("token"), Result::Taken);
     EXPECT_TRUE(waitUntil([&] { return !activations.empty(); }));
+}
+
+TEST_F(AnInstanceLock, waitsForAHolderThatHasYetToListenBehindASocketThatACrashLeft) {
+    const Holder other(file);
+    ASSERT_TRUE(other.holds);
+    const std::filesystem::path socket = directory / "kestrin.socket";
+    std::optional<Listener> listener(std::in_place, socket);
+    listener.reset(); // its socket stays
+    int rests = 0;
+    InstanceLock second(file, 4, [&] {
+        constexpr int restsForTheLock = 3;
+        if (++rests == restsForTheLock + 1) std::filesystem::remove(socket);
+        if (rests == restsForTheLock + 2) listener.emplace(socket);
+    });
+    EXPECT_EQ(second.acquire("token"), Result::Taken);
+    ASSERT_TRUE(listener);
+    EXPECT_EQ(listener->heard(), "token");
 }
 
 TEST_F(AnInstanceLock, endsTheSecondStartEvenIfTheFirstCannotBeTold) {
