@@ -101,6 +101,7 @@ void AppModel::apply(AppModelLoadResult result, const std::optional<std::string>
         applyLoaded(*notConfigured);
     else
         applyLoaded(std::get<LoadFailed>(std::move(result)));
+    incompleteHistories_.clear();
     lastLoadedAt_ = collaborators_.wallClock();
     announceChange();
 }
@@ -149,15 +150,15 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
     selectedSiteID_ = reconciledSiteSelection(
         selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
     selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
-    incompleteHistories_.clear();
     isFirstRun_ = false;
     loadError_.reset();
 }
 
 void AppModel::refreshIfStateChanged() {
     if (isLoading_ || revisionRefreshTask_) return;
-    // The revisions of these are known, but not all of their lines.
-    if (!incompleteHistories_.empty()) return reload();
+    // After a failure nothing is known of what is on disk; of incomplete histories the revisions are, but not all
+    // of their lines.
+    if (loadError_ || !incompleteHistories_.empty()) return reload();
     revisionRefreshTask_ = spawn(collaborators_.mainExecutor, runRevisionRefresh(self_, expectedRevisions()));
 }
 

@@ -134,9 +134,14 @@ TEST_F(ModelLoading, isRetriedWhenSitesAppearBeforeTheyAreReadForTheFirstTime) {
 
 TEST_F(ModelLoading, isRetriedWhenSitesVanishBeforeTheyAreRead) {
     writeSites(configurationOf({"a"}));
-    customProviders->onRevision = [&] { removeSites(); };
+    int looks = 0;
+    customProviders->onRevision = [&] {
+        ++looks;
+        removeSites();
+    };
     const auto result = loadOnce();
     EXPECT_TRUE(std::holds_alternative<LoadedNotConfigured>(result)) << failureOf(result);
+    EXPECT_EQ(looks, 2);
 }
 
 TEST_F(ModelLoading, failsWhenSitesVanishDuringOneAttemptAndAppearDuringTheOther) {

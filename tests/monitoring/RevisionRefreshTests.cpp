@@ -91,6 +91,32 @@ TEST_F(RefreshingWhenTheStateChanged, triesAgainAfterALoadThatFailed) {
     EXPECT_EQ(reloads(), 1U) << "nothing is known of what is on disk";
 }
 
+TEST_F(RefreshingWhenTheStateChanged, triesAgainAfterALoadThatFailedWithoutAnyFileOfItsOwn) {
+    std::filesystem::create_directory(root / "data");
+    load();
+    EXPECT_NE(model->loadError(), std::nullopt);
+    std::filesystem::remove(root / "data");
+    refresh();
+    EXPECT_EQ(model->loadError(), std::nullopt);
+    EXPECT_TRUE(model->isFirstRun());
+}
+
+TEST_F(RefreshingWhenTheStateChanged, doesNotReloadForLinesOfAHistoryThatIsGone) {
+    loadWithServices();
+    (void)files.appendCheck(checkOf("b", false));
+    model->checkNow();
+    settle();
+    answerChecks();
+    for (const auto& entry : std::filesystem::directory_iterator(root))
+        std::filesystem::remove_all(entry);
+    refresh();
+    EXPECT_TRUE(model->isFirstRun());
+    const std::size_t reloadsUntilThen = reloads();
+    refresh();
+    refresh();
+    EXPECT_EQ(reloads(), reloadsUntilThen);
+}
+
 TEST_F(RefreshingWhenTheStateChanged, doesNothingWhileALoadRuns) {
     writeSites(configurationOf({"a"}));
     create();

@@ -211,7 +211,7 @@ TEST_F(Selection, storedWhileALoadReadsIsNotLost) {
     EXPECT_EQ(model->configuration()->activeSiteID, "b");
 }
 
-TEST_F(Selection, showsTheSelectedSnapshotOrElseTheFirst) {
+TEST_F(Selection, showsTheSnapshotOfTheSelectedWebsite) {
     load(active({"a", "b"}, "b"));
     ASSERT_NE(model->selectedSnapshot(), nullptr);
     EXPECT_EQ(model->selectedSnapshot()->site.id, "b");

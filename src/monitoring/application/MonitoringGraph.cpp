@@ -95,7 +95,9 @@ bool MonitoringGraph::shutDown(const std::function<void()>& drain) {
         drain();
     } while (!(workEnded && pool_.waitUntilIdle(std::chrono::milliseconds(0))) &&
              std::chrono::steady_clock::now() < deadline);
-    const bool lookupsEnded = resolverPool_.waitUntilIdle(std::chrono::milliseconds(0));
+    // A look-up that hangs ends with the process; otherwise its threads are gone before anything that they use.
+    const bool lookupsEnded =
+        resolverPool_.waitUntilIdle(std::chrono::milliseconds(0)) && resolverPool_.shutDown(shutdownPatience);
     return pool_.shutDown(shutdownPatience) && workEnded && lookupsEnded;
 }
 
