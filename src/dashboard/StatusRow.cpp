@@ -12,6 +12,7 @@ namespace {
 
 // These texts may come from a file that somebody else wrote.
 constexpr std::size_t longestResult = 400;
+constexpr std::size_t longestSummary = 2'000; // which has 160 letters of any script
 constexpr std::size_t longestMoment = 40;
 
 const char* stateText(const SiteSnapshot& snapshot) {
@@ -56,7 +57,7 @@ StatusRow serviceRow(const ProviderSnapshot& snapshot, const LocaleFormats& form
     if (snapshot.history.recentChecks.empty()) return row;
     const ProviderCheckRecord& last = snapshot.history.recentChecks.back();
     row.stateText = title(last.state);
-    row.lastResult = shortenedForDisplay(last.summary, longestResult);
+    row.lastResult = shortenedForDisplay(last.summary, longestSummary);
     row.lastChecked = momentText(last.timestamp, last.elapsedMS, formats);
     return row;
 }

@@ -200,6 +200,14 @@ TEST_F(DashboardContentTest, aServiceShowsWhatItLastPublished) {
     EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
 }
 
+TEST_F(DashboardContentTest, aServiceShowsAllLettersOfASummaryInAnyScript) {
+    ProviderCheckRecord record;
+    record.timestamp = "2026-01-31T09:05:00Z";
+    for (int letter = 0; letter < 160; ++letter)
+        record.summary += "障";
+    EXPECT_EQ(serviceRow(serviceWith({record}), formats).lastResult, record.summary);
+}
+
 TEST_F(DashboardContentTest, servicesStandBelowTheWebsitesWhileTheyAreSwitchedOn) {
     SiteConfiguration configuration = configurationOf({"site-1"});
     configuration.providerStatus = {.enabled = true, .providerIDs = {"claude", "openai"}};
