@@ -71,7 +71,7 @@ CustomProviderConfiguration decodeCustomProviders(std::string_view text) {
             configuration.providers.push_back(decodeDefinition(definition));
         return configuration;
     } catch (const JSONError&) {
-        // Which key or byte is at fault helps nobody: people do not write this file.
+        // Without what the parser says: it would repeat the words of a text that may come from anywhere.
         throw CustomProviderStoreError("Kestrin could not read custom-provider settings.");
     }
 }

@@ -13,7 +13,7 @@ public:
     virtual ~CustomProviderReading() = default;
     /// Absent when there is no file; throws a `MessageError` when there is one that cannot be used.
     [[nodiscard]] virtual std::optional<CustomProviderConfiguration> load() const = 0;
-    /// The revision of the file, all zero when it is missing. Looks at no kind; throws a `POSIXError`.
+    /// The revision of the file, all zero when it is missing. Looks at no kind; throws a `MessageError`.
     [[nodiscard]] virtual HistoryFileRevision revision() const = 0;
 };
 

@@ -91,10 +91,12 @@ std::optional<CustomProviderConfiguration> CustomProviderStore::load() const {
 }
 
 HistoryFileRevision CustomProviderStore::revision() const {
-    struct stat status{};
-    if (::lstat(fileURL_.c_str(), &status) == 0) return revisionOf(status);
-    if (errno == ENOENT) return {};
-    throwPOSIXError();
+    return inOwnWords([&]() -> HistoryFileRevision {
+        struct stat status{};
+        if (::lstat(fileURL_.c_str(), &status) == 0) return revisionOf(status);
+        if (errno == ENOENT) return {};
+        throwPOSIXError();
+    });
 }
 
 std::optional<std::filesystem::path> CustomProviderStore::save(std::int64_t schemaVersion,

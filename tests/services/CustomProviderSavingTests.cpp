@@ -200,6 +200,7 @@ TEST(SavingAddedServices, writesNothingWhenTheBackupFails) {
         else
             root.write("backups", "");
         EXPECT_EQ(refusal(root.path(), Backup::Make), unsafeDirectory);
+        EXPECT_EQ(root.read(fileName), "former");
         EXPECT_EQ(refusal(root.path(), Backup::None), "no error") << "which needs no backups";
         EXPECT_THAT(root.entries(), ElementsAre("backups", fileName, "real"));
     }

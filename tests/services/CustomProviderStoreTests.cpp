@@ -145,11 +145,7 @@ TEST(TheRevisionOfAddedServices, isThereWhateverKindOfFileItIs) {
 TEST(TheRevisionOfAddedServices, throwsWhyItCannotBeTaken) {
     const TemporaryDirectory place;
     place.write("file", "");
-    try {
-        static_cast<void>(CustomProviderStore(place / "file").revision());
-        FAIL() << "a file has no children";
-    } catch (const POSIXError& error) {
-        EXPECT_EQ(error.code, ENOTDIR);
-        EXPECT_EQ(error.message, "Not a directory");
-    }
+    const CustomProviderStore store(place / "file"); // which has no children
+    EXPECT_EQ(
+        thrownMessage<CustomProviderStoreError>([&] { static_cast<void>(store.revision()); }), "Not a directory");
 }

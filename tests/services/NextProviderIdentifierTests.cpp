@@ -2,7 +2,6 @@
 #include "services/CustomProviderSamples.h"
 #include "services/CustomProviderStore.h"
 #include "services/CustomProviderStoreError.h"
-#include "services/IncludedServices.h"
 #include "state/ThrownMessage.h"
 
 #include <filesystem>
@@ -51,12 +50,6 @@ TEST(TheNextServiceIdentifier, skipsThoseInTheModelInTheFileAndInBackups) {
     root.write("backups/custom-providers-y.json", fileWith({4}));
     EXPECT_EQ(next(root), "provider-6");
     EXPECT_EQ(next(root, {"provider-6", "provider-10"}), "provider-7");
-}
-
-TEST(TheNextServiceIdentifier, isNeverOneOfAnIncludedService) {
-    const TemporaryDirectory root;
-    for (const std::string& id : includedServiceIDs())
-        EXPECT_NE(next(root), id);
 }
 
 TEST(TheNextServiceIdentifier, skipsARemovedServiceWhoseHistoryRemainsAlsoAfterItsBackupsAreDeleted) {

@@ -112,6 +112,8 @@ TEST(FailureLines, beforeAnyRequestAreTheDescriptionAlone) {
         {"not https",
             [](auto& service, auto&) { breakFirstURL(service, [](WebURL& url) { url.scheme = "http"; }); },
             notAllowed},
+        {"the second not https", [](auto& service, auto&) { service.statusURLs.back().scheme = "http"; },
+            notAllowed},
         {"no host", [](auto& service, auto&) { breakFirstURL(service, [](WebURL& url) { url.host.clear(); }); },
             notAllowed},
         {"private", [&](auto&, auto& feeds) { feeds.resolve(host, {true, {"192.168.0.1"}, {}}); }, privateTwice},

@@ -65,15 +65,16 @@ TEST(ServiceCatalog, hasTheseRowsInThisOrder) {
 
 struct KnownService {
     std::string id;
+    std::string name;
     WebURL page;
 };
 
 std::vector<KnownService> everyKnownService() {
     std::vector<KnownService> all;
     for (const ProviderDefinition& service : bundledProviderDefinitions())
-        all.push_back({service.id, service.publicStatusURL});
+        all.push_back({service.id, service.name, service.publicStatusURL});
     for (const ServiceCatalogEntry& entry : serviceCatalog())
-        all.push_back({entry.id, entry.statusPageURL});
+        all.push_back({entry.id, entry.name, entry.statusPageURL});
     return all;
 }
 
@@ -91,9 +92,11 @@ TEST(ServiceTable, everyAddressIsAPlainPublicHTTPSPageWithThePathSlash) {
 
 TEST(ServiceTable, noIdentifierNameOrHostStandsTwiceAndEveryIdentifierCanNameAFile) {
     std::set<std::string> ids;
+    std::set<std::string> names;
     std::set<std::string> hosts;
     for (const KnownService& service : everyKnownService()) {
         EXPECT_TRUE(ids.insert(service.id).second) << service.id;
+        EXPECT_TRUE(names.insert(service.name).second) << service.name;
         EXPECT_TRUE(hosts.insert(service.page.host).second) << service.page.host;
         EXPECT_NO_THROW(validateSafeIdentifier(service.id)) << service.id;
     }

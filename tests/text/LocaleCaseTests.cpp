@@ -1,6 +1,7 @@
 #include "text/LocaleCase.h"
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 
 namespace kestrin {
 namespace {
@@ -16,7 +17,13 @@ TEST(LocaleLowercase, knowsLettersOfEveryScript) {
 }
 
 TEST(LocaleLowercase, withoutANameLowersByTheUsersLocale) {
-    EXPECT_EQ(localeLowercase("ABC 1-2"), "abc 1-2");
+    const icu::Locale former;
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale::setDefault("tr_TR", status);
+    const std::string lowered = localeLowercase("JIRA 1-2");
+    icu::Locale::setDefault(former, status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    EXPECT_EQ(lowered, "jıra 1-2");
     EXPECT_EQ(localeLowercase(""), "");
 }
 
