@@ -7,8 +7,8 @@
 
 namespace kestrin {
 
-/// Eight bytes of a text as one number, the first one lowest on every machine. By hand for the compiler, which copies
-/// no memory.
+/// Eight bytes of a text as one number, the first one lowest on every machine. By hand for the compiler, which
+/// copies no memory.
 constexpr std::uint64_t eightBytes(const char* bytes) {
     std::uint64_t word = 0;
     if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {

@@ -9,13 +9,13 @@ namespace kestrin {
 
 namespace {
 
-// By "..", so that a parent that is a link does not matter; one that may only be passed through cannot be flushed
-// and is no reason to refuse a save.
+// By "..", so that a parent that is a link does not matter. One that may only be passed through cannot be flushed,
+// one that is never written to need not be, and neither is a reason to refuse a save.
 void syncNameOf(const std::filesystem::path& directory) {
     try {
         AtomicStateFile::syncDirectory(directory / "..");
     } catch (const POSIXError& error) {
-        if (error.code != EACCES) throw;
+        if (error.code != EACCES && error.code != EROFS) throw;
     }
 }
 

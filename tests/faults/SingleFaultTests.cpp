@@ -117,15 +117,18 @@ TEST(ASingleFault, ofClosingAFileThatWasSyncedIsNone) {
     }
 }
 
-TEST(ASingleFault, ofAParentThatMayOnlyBePassedThroughDoesNotHinderAFirstSave) {
-    std::size_t refused = 0;
-    const JudgedRun saved = run("firstSave", [&](const SystemCall& call) {
-        if (!call.path().ends_with("/Kestrin/..")) return Verdict::pass();
-        ++refused;
-        return Verdict::fail(EACCES);
-    });
-    EXPECT_TRUE(saved.result.succeeded) << saved.result.message;
-    EXPECT_GE(refused, 1u);
+TEST(ASingleFault, ofAParentThatMayOnlyBePassedThroughOrReadDoesNotHinderASave) {
+    for (const std::string_view operation : {"firstSave", "save", "firstSaveOfAddedServices"})
+        for (const int code : {EACCES, EROFS}) {
+            std::size_t refused = 0;
+            const JudgedRun saved = run(operation, [&](const SystemCall& call) {
+                if (!call.path().ends_with("/Kestrin/..")) return Verdict::pass();
+                ++refused;
+                return Verdict::fail(code);
+            });
+            EXPECT_TRUE(saved.result.succeeded) << operation << saved.result.message;
+            EXPECT_GE(refused, 1u) << operation;
+        }
 }
 
 TEST(ASingleFault, ofANamelessFileLetsTheFirstFileComeFromBesideTheDirectory) {

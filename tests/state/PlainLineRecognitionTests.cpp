@@ -12,8 +12,15 @@ using namespace kestrin;
 namespace {
 
 CheckRecord check(const std::string& timestamp) {
-    return {.timestamp = timestamp, .siteID = "site-1", .url = "https://site-1.example/", .dnsOK = true,
-        .ips = {"192.88.99.1"}, .httpStatus = 200, .elapsedMS = 12, .up = true, .error = std::nullopt};
+    return {.timestamp = timestamp,
+        .siteID = "site-1",
+        .url = "https://site-1.example/",
+        .dnsOK = true,
+        .ips = {"192.88.99.1"},
+        .httpStatus = 200,
+        .elapsedMS = 12,
+        .up = true,
+        .error = std::nullopt};
 }
 
 std::string lineOf(const CheckRecord& record) {
@@ -78,7 +85,8 @@ TEST(RecognisingPlainLines, looksLongerAgainOnceLinesAreRecognised) {
     looksOf(recognition, 100'000);
     restOf(recognition);
     recognition.count(5000);
-    EXPECT_EQ(looksOf(recognition, 100'000), 1023u) << "no more than at the beginning, less the look after those lines";
+    EXPECT_EQ(looksOf(recognition, 100'000), 1023u)
+        << "no more than at the beginning, less the look after those lines";
 }
 
 TEST(RecognisingPlainLines, neverRestsWhereOneLineInTwoIsPlain) {
