@@ -57,8 +57,12 @@ function(kestrin_room_tests name)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE kestrin_options GTest::gmock GTest::gtest_main ${ARG_LIBRARIES})
   target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  # What is tested is optimised; the tests themselves need not be, and so compile in half the time.
+  # What is tested is optimised; the tests themselves need not be, and so compile in half the time, above all with
+  # sanitizers.
   target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O1;-g1>)
+  if(KESTRIN_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
   kestrin_use_rooms(${target} ${ARG_DEPENDS})
   gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
     PROPERTIES TIMEOUT 120 LABELS unit)
