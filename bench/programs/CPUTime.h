@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <sys/resource.h>
 
 namespace kestrin::bench {
@@ -15,6 +16,16 @@ inline Microseconds cpuTime() {
         return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
     };
     return of(usage.ru_utime) + of(usage.ru_stime);
+}
+
+/// What one of a series of them used, after a few that do not count.
+inline Microseconds cpuTimeOfOne(int count, const std::function<void()>& make) {
+    for (int warmingUp = 0; warmingUp < 3; ++warmingUp)
+        make();
+    const Microseconds before = cpuTime();
+    for (int index = 0; index < count; ++index)
+        make();
+    return (cpuTime() - before) / count;
 }
 
 } // namespace kestrin::bench

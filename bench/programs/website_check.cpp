@@ -4,13 +4,9 @@
 // check: a website check as the program makes it, all of it but the system's name look-up, which answers from a
 // script. handshake: connecting and a TLS handshake, no more. exchange: the same with a request and its answer.
 #include "CPUTime.h"
-#include "fakes/ScriptedResolver.h"
-#include "fakes/VirtualClock.h"
+#include "CheckParts.h"
 #include "http/CurlTransport.h"
 #include "probing/WebsiteChecker.h"
-#include "tasks/SerialExecutor.h"
-#include "tasks/Spawn.h"
-#include "tasks/ThreadPool.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -21,8 +17,6 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <functional>
-#include <future>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -32,51 +26,23 @@ namespace {
 
 using namespace kestrin;
 using namespace std::chrono_literals;
-using bench::cpuTime;
-using bench::Microseconds;
+using bench::cpuTimeOfOne;
+using bench::Target;
 
-struct Target {
-    std::string host;
-    std::string address;
-    std::string port;
-    std::string bundle;
-};
-
-/// The parts of a check, put together as the program puts them together.
 class Checks {
 public:
     explicit Checks(const Target& target)
-        : site_{"site-1", "Site", "https://" + target.host + ":" + target.port + "/", true},
-          transport_({target.bundle}) {
-        names_->answer(target.host, {target.address});
-    }
+        : site_{"site-1", "Site", "https://" + target.host + ":" + target.port + "/", true}, parts_(target) {}
 
     void make() {
-        std::promise<CheckRecord> ended;
-        auto task = told(checker_.checkWebsite(site_, 15s), &ended);
-        spawn(checkExecutor_, std::move(task));
-        const CheckRecord record = ended.get_future().get();
+        const CheckRecord record = parts_.recordOf(checker_.checkWebsite(site_, 15s));
         if (!record.up) throw std::runtime_error(record.error.value_or("The site is not up."));
     }
 
 private:
-    static Task<> told(Task<CheckRecord> check, std::promise<CheckRecord>* ended) {
-        CheckRecord record = co_await std::move(check);
-        ended->set_value(std::move(record));
-    }
-
     SiteDefinition site_;
-    VirtualClock clock_;
-    ThreadPool pool_{12};
-    ThreadPool resolverPool_{12};
-    SerialExecutor checkExecutor_{pool_};
-    std::shared_ptr<ScriptedResolver> names_ = std::make_shared<ScriptedResolver>();
-    std::stop_source shutdown_;
-    BackgroundResolver resolver_{resolverPool_, names_, clock_, shutdown_.get_token()};
-    CurlTransport transport_;
-    FreshHTTPClient client_{FreshHTTPServices{checkExecutor_, clock_, pool_, transport_, resolver_}};
-    WebsiteChecker checker_{client_, resolver_, clock_,
-        [] { return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()); }};
+    bench::CheckParts parts_;
+    WebsiteChecker checker_{parts_.client(), parts_.resolver(), parts_.clock(), bench::CheckParts::now};
 };
 
 int connectTo(const Target& target) {
@@ -112,22 +78,14 @@ void shakeHands(const Target& target, X509_STORE* trusted, bool exchanges) {
     ::close(descriptor);
 }
 
-double measured(int count, const std::function<void()>& make) {
-    for (int warmingUp = 0; warmingUp < 3; ++warmingUp)
-        make();
-    const Microseconds before = cpuTime();
-    for (int index = 0; index < count; ++index)
-        make();
-    return (cpuTime() - before).count() / count;
-}
-
 double measured(const std::string& what, const Target& target, int count) {
     if (what == "check") {
         Checks checks(target);
-        return measured(count, [&] { checks.make(); });
+        return cpuTimeOfOne(count, [&] { checks.make(); }).count();
     }
     TrustStore trust({target.bundle});
-    return measured(count, [&] { shakeHands(target, trust.current().get(), what == "exchange"); });
+    const auto make = [&] { shakeHands(target, trust.current().get(), what == "exchange"); };
+    return cpuTimeOfOne(count, make).count();
 }
 
 } // namespace
