@@ -15,9 +15,4 @@ struct MessageError : std::exception {
     std::string message;
 };
 
-/// The caller's task was cancelled while a long operation ran; nothing is wrong and nobody is told.
-struct CancellationError : MessageError {
-    CancellationError() : MessageError("Cancelled") {}
-};
-
 } // namespace kestrin

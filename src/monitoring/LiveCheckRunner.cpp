@@ -4,6 +4,7 @@
 #include "tasks/FifoGate.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -24,9 +25,9 @@ template <class Record, class Definition> struct LimitedCheck {
 private:
     static Task<Record> run(Check check, FifoGate places, Definition definition) {
         const TaskContext context = co_await currentContext();
-        const FifoGate::Turn place = co_await places.enter();
+        const std::optional<FifoGate::Turn> place = co_await places.enter();
         // The map drops what comes after a cancellation, so nobody misses the check.
-        if (context.isCancelled()) co_return Record();
+        if (!place || context.isCancelled()) co_return Record();
         Task<Record> checking = check(std::move(definition), checkTimeout);
         Record record = co_await std::move(checking);
         co_return record;

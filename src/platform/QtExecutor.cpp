@@ -20,7 +20,7 @@ QtExecutor::~QtExecutor() {
     QCoreApplication::removePostedEvents(this);
 }
 
-void QtExecutor::post(std::function<void()> work) {
+void QtExecutor::post(std::function<void()> work) noexcept {
     std::unique_lock lock(mutex_);
     queue_.push_back(std::move(work));
     wake(lock);
@@ -53,7 +53,7 @@ bool QtExecutor::event(QEvent* event) {
     for (; turn > 0; --turn) {
         const auto work = takeNext();
         if (!work) break;
-        work();
+        runAs(this, work);
     }
     return true;
 }
@@ -61,7 +61,7 @@ bool QtExecutor::event(QEvent* event) {
 void QtExecutor::drain() {
     Q_ASSERT(QThread::currentThread() == thread());
     while (const auto work = takeNext())
-        work();
+        runAs(this, work);
 }
 
 } // namespace kestrin

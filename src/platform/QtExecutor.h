@@ -18,7 +18,7 @@ public:
     explicit QtExecutor(QObject* parent = nullptr) : QObject(parent) {}
     ~QtExecutor() override;
 
-    void post(std::function<void()> work) override;
+    void post(std::function<void()> work) noexcept override;
     /// For the end of the program: runs what is queued and what that queues, until nothing is left.
     void drain();
     /// Turns of the loop taken so far.

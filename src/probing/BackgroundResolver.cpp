@@ -1,6 +1,6 @@
 #include "probing/BackgroundResolver.h"
 
-#include "model/MessageError.h"
+#include "tasks/CancellationError.h"
 #include "tasks/Offload.h"
 
 #include <functional>

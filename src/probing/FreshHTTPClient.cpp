@@ -5,10 +5,10 @@
 #include "destinations/LocalHostName.h"
 #include "destinations/URLScheme.h"
 #include "destinations/WireTarget.h"
-#include "model/MessageError.h"
 #include "probing/RedirectTarget.h"
 #include "probing/SecureHTTPError.h"
 #include "probing/TransportError.h"
+#include "tasks/CancellationError.h"
 #include "tasks/Concurrently.h"
 #include "tasks/FifoGate.h"
 #include "tasks/Offload.h"
@@ -122,8 +122,8 @@ public:
 private:
     static Task<std::vector<std::string>> judgeFirst(SharedState shared, WebURL url, SecureRequestPolicy policy) {
         const TaskContext context = co_await currentContext();
-        const FifoGate::Turn turn = co_await shared->judgement.enter();
-        if (context.isCancelled()) throw CancellationError();
+        const std::optional<FifoGate::Turn> turn = co_await shared->judgement.enter();
+        if (!turn || context.isCancelled()) throw CancellationError();
         validateDestination(policy, url);
         auto resolving = shared->services.resolver.resolveHostInBackground(url.host);
         DNSResolution resolution = co_await std::move(resolving);

@@ -3,6 +3,7 @@
 #include "destinations/AddressTable.h"
 #include "destinations/WebsiteURLPolicy.h"
 #include "model/MessageError.h"
+#include "tasks/CancellationError.h"
 #include "text/Timestamp.h"
 
 #include <string>
@@ -44,6 +45,8 @@ Task<CheckRecord> WebsiteChecker::check(Parts parts, SiteDefinition site, std::c
         co_await std::move(observing);
     } catch (const MessageError& failure) {
         record.error = failure.message;
+    } catch (const CancellationError& cancellation) {
+        record.error = cancellation.what();
     } catch (...) {
         // A broken resolver or transport must not end the run of all other checks.
         record.error = "The request failed.";

@@ -3,13 +3,13 @@
 #include "destinations/AddressTable.h"
 #include "destinations/CustomProviderURLPolicy.h"
 #include "destinations/LocalHostName.h"
-#include "model/MessageError.h"
 #include "services/ProviderAdapters.h"
 #include "services/ProviderFailure.h"
 #include "services/ProviderFailures.h"
 #include "services/ProviderPreviewError.h"
 #include "services/StatusFeedAnswer.h"
 #include "services/StatusFeedRequest.h"
+#include "tasks/CancellationError.h"
 
 #include <array>
 #include <optional>

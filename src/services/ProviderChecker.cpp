@@ -1,13 +1,13 @@
 #include "services/ProviderChecker.h"
 
 #include "destinations/AddressTable.h"
-#include "model/MessageError.h"
 #include "probing/SecureHTTPError.h"
 #include "services/ProviderAdapters.h"
 #include "services/ProviderFailure.h"
 #include "services/ProviderFailures.h"
 #include "services/StatusFeedAnswer.h"
 #include "services/StatusFeedRequest.h"
+#include "tasks/CancellationError.h"
 #include "text/Timestamp.h"
 
 #include <algorithm>

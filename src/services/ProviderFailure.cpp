@@ -2,6 +2,7 @@
 
 #include "model/MessageError.h"
 #include "probing/SecureHTTPError.h"
+#include "tasks/CancellationError.h"
 
 #include <utility>
 
@@ -32,6 +33,8 @@ ProviderFailure currentFailure() {
         return {refusal.message, categoryOf(refusal.kind)};
     } catch (const MessageError& failure) {
         return {failure.message, ProviderFailureCategory::unreachable};
+    } catch (const CancellationError& cancellation) {
+        return {cancellation.what(), ProviderFailureCategory::unreachable};
     } catch (...) {
         // A broken resolver or transport must not end the run of all other checks.
         return {"The request failed.", ProviderFailureCategory::unreachable};

@@ -1,9 +1,9 @@
 #include "services/StatusFeedAnswer.h"
 
-#include "model/MessageError.h"
 #include "services/ProviderAdapterParseError.h"
 #include "services/ProviderAdapters.h"
 #include "services/StatusContentType.h"
+#include "tasks/CancellationError.h"
 
 #include <utility>
 

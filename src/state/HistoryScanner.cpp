@@ -1,10 +1,10 @@
 #include "state/HistoryScanner.h"
 
-#include "model/MessageError.h"
 #include "state/FileDescriptor.h"
 #include "state/FileRevision.h"
 #include "state/HistoryLineSplitter.h"
 #include "state/StateErrors.h"
+#include "tasks/CancellationError.h"
 
 #include <fcntl.h>
 #ifdef __GLIBC__

@@ -1,9 +1,9 @@
 #include "state/StateReader.h"
 
-#include "model/MessageError.h"
 #include "state/HistoryFold.h"
 #include "state/HistoryScanner.h"
 #include "state/ParallelLoop.h"
+#include "tasks/CancellationError.h"
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tasks/Spawn.h"
+#include "tasks/TaskScope.h"
 
 #include <cstddef>
 #include <memory>
@@ -89,6 +89,18 @@ template <class T> Task<T> runOn(Executor& executor, Task<T> task) {
         child.take();
     else
         co_return child.take();
+}
+
+/// Runs an operation that must not be interrupted halfway: on its owner's executor and in the owner's scope, so the
+/// caller's cancellation does not reach it. Waits for its end also when the caller is cancelled, and gives its
+/// result. Every wait inside such an operation needs a limit of its own.
+template <class T> Task<T> runToCompletion(TaskScope& scope, Executor& executor, Task<T> task) {
+    TaskHandle<T> operation = scope.spawn(executor, std::move(task));
+    co_await operation.join();
+    if constexpr (std::is_void_v<T>)
+        operation.take();
+    else
+        co_return operation.take();
 }
 
 } // namespace kestrin

@@ -3,16 +3,18 @@
 #include "tasks/Task.h"
 
 #include <cstddef>
-#include <deque>
+#include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace kestrin {
 
 /// Lets one operation in at a time, or as many as it has places, first come, first served. A whole operation keeps
-/// its turn across suspensions, which an executor alone does not give. Not re-entrant. A wait is not cancellable:
-/// look at the token after entering. Any thread. Copies are one gate, which lasts while turns are held.
+/// its turn across suspensions, which an executor alone does not give. Not re-entrant. Any thread. Copies are one
+/// gate, which lasts while turns are held.
 class FifoGate {
     struct State;
 
@@ -23,64 +25,71 @@ public:
         explicit Turn(std::shared_ptr<State> state) : state_(std::move(state)) {}
         Turn(Turn&& other) noexcept = default;
         Turn& operator=(Turn&&) = delete;
-        ~Turn() {
-            if (state_) state_->leave();
-        }
+        ~Turn();
 
     private:
         std::shared_ptr<State> state_;
     };
 
-    class Entry {
-    public:
-        explicit Entry(std::shared_ptr<State> state) : state_(std::move(state)) {}
-        [[nodiscard]] bool await_ready() const noexcept { return false; }
-        template <class Promise> bool await_suspend(std::coroutine_handle<Promise> waiter) {
-            return !state_->enterOrQueue(waiter.promise().context.executor, waiter);
-        }
-        [[nodiscard]] Turn await_resume() { return Turn(std::move(state_)); }
-
-    private:
-        std::shared_ptr<State> state_;
-    };
+    class Entry;
 
     explicit FifoGate(std::size_t places = 1) : state_(std::make_shared<State>(places)) {}
 
-    /// `const FifoGate::Turn turn = co_await gate.enter();`
-    [[nodiscard]] Entry enter() const { return Entry(state_); }
+    /// `const std::optional<FifoGate::Turn> turn = co_await gate.enter();`
+    /// Nothing once the task is cancelled: it leaves the queue at once and whoever is behind it moves up. A turn
+    /// that was given before the cancellation is kept.
+    [[nodiscard]] Entry enter() const;
 
 private:
+    struct Waiter {
+        Executor* executor = nullptr;
+        std::coroutine_handle<> coroutine;
+        bool isInside = false; ///< it has been given a turn
+    };
+
     struct State {
         explicit State(std::size_t places) : freePlaces(places) {}
 
         std::mutex mutex;
         std::size_t freePlaces;
-        std::deque<std::pair<Executor*, std::coroutine_handle<>>> queue;
+        std::list<std::shared_ptr<Waiter>> queue;
 
-        bool enterOrQueue(Executor* executor, std::coroutine_handle<> waiter) {
-            const std::lock_guard guard(mutex);
-            if (freePlaces == 0) {
-                queue.emplace_back(executor, waiter);
-                return false;
-            }
-            --freePlaces;
-            return true;
-        }
-
-        void leave() {
-            const std::lock_guard guard(mutex);
-            if (queue.empty()) {
-                ++freePlaces;
-                return;
-            }
-            // The turn passes directly, so that a newcomer cannot slip in between.
-            auto [executor, waiter] = queue.front();
-            queue.pop_front();
-            executor->post([waiter] { waiter.resume(); });
-        }
+        bool enterOrQueue(const std::shared_ptr<Waiter>& waiter);
+        void leave();
+        void giveUp(const std::shared_ptr<Waiter>& waiter);
     };
 
     std::shared_ptr<State> state_;
 };
+
+class FifoGate::Entry {
+public:
+    explicit Entry(std::shared_ptr<State> state) : state_(std::move(state)) {}
+    [[nodiscard]] bool await_ready() const noexcept { return false; }
+    template <class Promise> bool await_suspend(std::coroutine_handle<Promise> coroutine) {
+        const TaskContext& context = detail::contextOf(coroutine);
+        if (context.isCancelled()) return false;
+        waiter_->executor = context.executor;
+        waiter_->coroutine = coroutine;
+        if (state_->enterOrQueue(waiter_)) return false;
+        cancellation_.emplace(context.stopToken,
+            std::function<void()>([state = state_, waiter = waiter_] { state->giveUp(waiter); }));
+        return true;
+    }
+    [[nodiscard]] std::optional<Turn> await_resume() {
+        cancellation_.reset();
+        if (!waiter_->isInside) return std::nullopt;
+        return Turn(std::move(state_));
+    }
+
+private:
+    std::shared_ptr<State> state_;
+    std::shared_ptr<Waiter> waiter_ = std::make_shared<Waiter>();
+    std::optional<std::stop_callback<std::function<void()>>> cancellation_;
+};
+
+inline FifoGate::Entry FifoGate::enter() const {
+    return Entry(state_);
+}
 
 } // namespace kestrin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tasks/BlockingPool.h"
+#include "tasks/CancellationError.h"
 #include "tasks/Task.h"
 
 #include <atomic>
@@ -36,13 +37,25 @@ public:
                 outcome.template emplace<2>(std::current_exception());
             }
         }
-        if (over_.exchange(true)) return;
-        outcome_ = std::move(outcome);
-        resume();
+        end(std::move(outcome));
+    }
+
+    /// The pool dropped the work unrun: its result will never come.
+    void drop() {
+        if (!work_) return;
+        work_.reset();
+        Outcome<R> cancelled(std::in_place_index<2>, std::make_exception_ptr(CancellationError()));
+        end(std::move(cancelled));
+    }
+
+    /// The pool could not take the work and said why. Only on the waiter's executor, before it is resumed.
+    void refuse(std::exception_ptr reason) {
+        drop();
+        outcome_.template emplace<2>(std::move(reason));
     }
 
     void abandon() {
-        if (!over_.exchange(true)) resume();
+        if (!isOver_.exchange(true)) resumeOn(*executor_, waiter_);
     }
 
     Outcome<R>& outcome() { return outcome_; }
@@ -58,15 +71,32 @@ private:
         }
     }
 
-    void resume() {
-        executor_->post([waiter = waiter_] { waiter.resume(); });
+    void end(Outcome<R>&& outcome) {
+        if (isOver_.exchange(true)) return;
+        outcome_ = std::move(outcome);
+        resumeOn(*executor_, waiter_);
     }
 
     std::optional<Work> work_;
-    std::atomic<bool> over_ = false;
+    std::atomic<bool> isOver_ = false;
     Executor* executor_ = nullptr;
     std::coroutine_handle<> waiter_;
     Outcome<R> outcome_;
+};
+
+/// What the pool holds: runs the work, or reports that it was dropped.
+template <class R, class Work> class PooledWork {
+public:
+    PooledWork(std::shared_ptr<OffloadedWork<R, Work>> work, std::stop_token stopToken)
+        : work_(std::move(work)), stopToken_(std::move(stopToken)) {}
+    PooledWork(const PooledWork&) = delete;
+    PooledWork& operator=(const PooledWork&) = delete;
+    ~PooledWork() { work_->drop(); }
+    void run() const { work_->run(stopToken_); }
+
+private:
+    std::shared_ptr<OffloadedWork<R, Work>> work_;
+    std::stop_token stopToken_;
 };
 
 template <class R, class Work> class Offload {
@@ -77,9 +107,14 @@ public:
 
     [[nodiscard]] bool await_ready() const noexcept { return false; }
     template <class Promise> void await_suspend(std::coroutine_handle<Promise> waiter) {
-        const TaskContext& context = waiter.promise().context;
+        const TaskContext& context = contextOf(waiter);
         shared_->waitOn(context.executor, waiter);
-        pool_.run([shared = shared_, stopToken = context.stopToken] { shared->run(stopToken); });
+        auto pooled = std::make_shared<PooledWork<R, Work>>(shared_, context.stopToken);
+        try {
+            pool_.run([work = std::move(pooled)] { work->run(); });
+        } catch (...) {
+            shared_->refuse(std::current_exception());
+        }
         if (abandon_)
             abandonment_.emplace(*abandon_, std::function<void()>([shared = shared_] { shared->abandon(); }));
     }
@@ -108,7 +143,8 @@ struct WorkResult<Work> {
 
 } // namespace detail
 
-/// Runs `work` on the pool and waits for it. `work` may take the task's stop token; what it throws is thrown here.
+/// Runs `work` on the pool and waits for it. `work` may take the task's stop token; what it throws is thrown here,
+/// and so is what a pool throws that cannot take it. A pool that drops it unrun gives a `CancellationError`.
 template <class Work> Task<typename detail::WorkResult<Work>::type> offload(BlockingPool& pool, Work work) {
     using R = typename detail::WorkResult<Work>::type;
     detail::Offload<R, Work> wait(pool, std::move(work), std::nullopt);
@@ -116,8 +152,8 @@ template <class Work> Task<typename detail::WorkResult<Work>::type> offload(Bloc
     if constexpr (!std::is_void_v<R>) co_return std::move(*result);
 }
 
-/// Runs `work` on the pool and waits for it until `abandon` is requested; then goes on with no value. A result that
-/// comes later is dropped. `work` owns all that it touches, for it may run on after everything else has gone.
+/// The same until `abandon` is requested; then goes on with no value. A result that comes later is dropped. `work`
+/// owns all that it touches, for it may run on after everything else has gone.
 template <class Work>
 Task<std::optional<detail::StoredResult<typename detail::WorkResult<Work>::type>>> offloadOrAbandon(
     BlockingPool& pool, Work work, std::stop_token abandon) {

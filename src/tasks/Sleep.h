@@ -11,38 +11,58 @@ namespace kestrin {
 
 enum class SleepResult { Elapsed, Cancelled };
 
-/// `co_await sleepUntil(clock, instant)`: goes on at the instant, or as soon as the task is cancelled.
+/// `co_await sleepUntil(clock, instant)`: goes on at the instant, or as soon as the task is cancelled. A clock that
+/// ends cancels the sleep.
 class SleepUntil {
 public:
     SleepUntil(Clock& clock, Instant when) : clock_(clock), when_(when), race_(std::make_shared<Race>()) {}
 
     [[nodiscard]] bool await_ready() const noexcept { return false; }
     template <class Promise> void await_suspend(std::coroutine_handle<Promise> sleeper) {
+        const TaskContext& context = detail::contextOf(sleeper);
         race_->sleeper = sleeper;
-        race_->executor = sleeper.promise().context.executor;
-        timer_ = clock_.schedule(when_, [race = race_] { race->end(SleepResult::Elapsed); });
-        cancellation_.emplace(sleeper.promise().context.stopToken,
-            std::function<void()>([race = race_] { race->end(SleepResult::Cancelled); }));
+        race_->executor = context.executor;
+        timer_ = clock_.schedule(when_, [alarm = std::make_shared<Alarm>(race_)] { alarm->ring(); });
+        cancellation_.emplace(
+            context.stopToken, std::function<void()>([race = race_] { race->end(SleepResult::Cancelled); }));
     }
     SleepResult await_resume() {
         cancellation_.reset();
-        clock_.cancel(timer_);
+        // A timer that is gone needs no cancelling, and its clock may be gone as well.
+        if (!race_->timerIsGone) clock_.cancel(timer_);
         return race_->result;
     }
 
 private:
     /// The timer and the cancellation race; the first wakes the sleeper, by its executor.
     struct Race {
-        std::atomic<bool> over = false;
+        std::atomic<bool> isOver = false;
+        std::atomic<bool> timerIsGone = false;
         std::coroutine_handle<> sleeper;
         Executor* executor = nullptr;
         SleepResult result = SleepResult::Elapsed;
 
         void end(SleepResult how) {
-            if (over.exchange(true)) return;
+            if (isOver.exchange(true)) return;
             result = how;
-            executor->post([waking = sleeper] { waking.resume(); });
+            detail::resumeOn(*executor, sleeper);
         }
+    };
+
+    /// What the clock holds. A clock that drops it without ringing has ended.
+    class Alarm {
+    public:
+        explicit Alarm(std::shared_ptr<Race> race) : race_(std::move(race)) {}
+        Alarm(const Alarm&) = delete;
+        Alarm& operator=(const Alarm&) = delete;
+        ~Alarm() {
+            race_->timerIsGone = true;
+            race_->end(SleepResult::Cancelled);
+        }
+        void ring() const { race_->end(SleepResult::Elapsed); }
+
+    private:
+        std::shared_ptr<Race> race_;
     };
 
     Clock& clock_;

@@ -18,7 +18,9 @@ struct Driver {
     std::coroutine_handle<promise_type> frame;
 };
 
-template <class T> Driver drive(Task<T> task, std::shared_ptr<TaskState<T>> state) {
+/// `membership` lasts as long as the task and goes last.
+template <class T, class Membership>
+Driver drive(Membership membership, Task<T> task, std::shared_ptr<TaskState<T>> state) {
     Outcome<T> outcome;
     {
         // The frame goes before anybody learns of the end: what it holds must not outlive the last wait for it.
@@ -35,24 +37,31 @@ template <class T> Driver drive(Task<T> task, std::shared_ptr<TaskState<T>> stat
             outcome.template emplace<2>(std::current_exception());
         }
     }
+    [[maybe_unused]] const Membership untilTheEnd = std::move(membership);
     state->finish(std::move(outcome));
 }
 
-template <class T> TaskHandle<T> launch(Executor& executor, Task<T> task, std::shared_ptr<TaskState<T>> state) {
-    Driver driver = drive(std::move(task), state);
+struct NoMembership {};
+
+template <class T, class Membership = NoMembership>
+TaskHandle<T> launch(
+    Executor& executor, Task<T> task, std::shared_ptr<TaskState<T>> state, Membership membership = {}) {
+    requireUse(static_cast<bool>(task), "it was started after it had been moved away");
+    Driver driver = drive<T, Membership>(std::move(membership), std::move(task), state);
     driver.frame.promise().context = TaskContext{&executor, state->stop.get_token()};
-    executor.post([frame = driver.frame] { frame.resume(); });
+    resumeOn(executor, driver.frame);
     return TaskHandle<T>(std::move(state));
 }
 
 } // namespace detail
 
 /// Starts a task of its own on `executor`, which must outlive it. It ends when it ends or sees its cancellation.
+/// A program starts its tasks in a `TaskScope`, which knows when all have ended.
 template <class T> TaskHandle<T> spawn(Executor& executor, Task<T> task) {
     return detail::launch(executor, std::move(task), std::make_shared<detail::TaskState<T>>());
 }
 
-/// Starts a task on `executor` that is cancelled along with `parent`.
+/// Starts a task on `executor` that is cancelled along with `parent`. Its parent must await its end.
 template <class T> TaskHandle<T> spawnChild(Executor& executor, const std::stop_token& parent, Task<T> task) {
     auto state = std::make_shared<detail::TaskState<T>>();
     state->followCancellation(parent);

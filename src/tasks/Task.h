@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tasks/Executor.h"
+#include "tasks/Use.h"
 
 #include <coroutine>
 #include <exception>
@@ -26,12 +27,34 @@ struct PromiseBase {
     TaskContext context;
     /// Nobody, until the awaiting coroutine has really been suspended.
     std::coroutine_handle<> continuation = std::noop_coroutine();
+    bool isStarted = false;
 };
+
+inline void requireOwnExecutor(const TaskContext& context) noexcept {
+    requireUse(Executor::current() == context.executor, "it was resumed off its executor");
+}
+
+/// The context of a coroutine that is about to wait.
+template <class Promise> const TaskContext& contextOf(std::coroutine_handle<Promise> waiter) noexcept {
+    const TaskContext& context = waiter.promise().context;
+    requireOwnExecutor(context);
+    return context;
+}
+
+/// The one way in which a suspended coroutine goes on: by a post to its executor, never inside whoever ends its
+/// wait.
+inline void resumeOn(Executor& executor, std::coroutine_handle<> waiter) noexcept {
+    executor.post([&executor, waiter] {
+        requireUse(Executor::current() == &executor, "its executor ran it as another one's");
+        waiter.resume();
+    });
+}
 
 struct ResumeContinuation {
     [[nodiscard]] bool await_ready() const noexcept { return false; }
     template <class Promise>
     std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> finished) const noexcept {
+        requireOwnExecutor(finished.promise().context);
         return finished.promise().continuation;
     }
     void await_resume() const noexcept {}
@@ -68,8 +91,8 @@ template <> struct PromiseResult<void> : PromiseBase {
 
 } // namespace detail
 
-/// A lazy coroutine: nothing runs until it is awaited or spawned. Move-only; destroying one that has not finished
-/// destroys its frame, which only a task that was never started may meet.
+/// A lazy coroutine: nothing runs until it is awaited or spawned, which may happen once. Move-only; destroying one
+/// that has not finished destroys its frame, which only a task that was never started may meet.
 template <class T = void> class [[nodiscard]] Task {
 public:
     using Result = T;
@@ -99,7 +122,8 @@ public:
         /// a loop over such tasks needs no more stack than one of them: a compiler that does not optimise turns
         /// each transfer of control into a nested call. The executor is serial: nothing ends the task in between.
         template <class Promise> bool await_suspend(std::coroutine_handle<Promise> parent) {
-            frame_.promise().context = parent.promise().context;
+            frame_.promise().context = detail::contextOf(parent);
+            frame_.promise().isStarted = true;
             frame_.resume();
             if (frame_.done()) return false;
             frame_.promise().continuation = parent;
@@ -116,7 +140,14 @@ public:
         std::coroutine_handle<promise_type> frame_;
     };
 
-    Awaiter operator co_await() && { return Awaiter(frame_); }
+    Awaiter operator co_await() && {
+        detail::requireUse(static_cast<bool>(frame_), "it was awaited after it had been moved away");
+        detail::requireUse(!frame_.promise().isStarted, "it was awaited twice");
+        return Awaiter(frame_);
+    }
+
+    /// False once it has been moved away.
+    explicit operator bool() const { return static_cast<bool>(frame_); }
 
 private:
     explicit Task(std::coroutine_handle<promise_type> frame) : frame_(frame) {}
@@ -133,7 +164,7 @@ public:
     CurrentContext() = default;
     [[nodiscard]] bool await_ready() const noexcept { return false; }
     template <class Promise> bool await_suspend(std::coroutine_handle<Promise> asking) {
-        context_ = asking.promise().context;
+        context_ = detail::contextOf(asking);
         return false;
     }
     TaskContext await_resume() { return std::move(context_); }

@@ -45,15 +45,27 @@ public:
             waiters.swap(waiters_);
         }
         for (auto [executor, waiter] : waiters)
-            executor->post([waiter] { waiter.resume(); });
+            resumeOn(*executor, waiter);
     }
 
-    /// Only after `done`.
-    Outcome<T>& outcome() { return outcome_; }
+    [[nodiscard]] Outcome<T> takeOutcome() {
+        const std::lock_guard guard(mutex_);
+        requireUse(done_, "its result was taken before its end");
+        requireUse(!isTaken_, "its result was taken twice");
+        isTaken_ = true;
+        return std::move(outcome_);
+    }
+
+    [[nodiscard]] Outcome<T> copyOutcome() {
+        const std::lock_guard guard(mutex_);
+        requireUse(!isTaken_, "its result was awaited after it had been taken");
+        return outcome_;
+    }
 
 private:
     std::mutex mutex_;
     bool done_ = false;
+    bool isTaken_ = false;
     Outcome<T> outcome_;
     std::vector<std::pair<Executor*, std::coroutine_handle<>>> waiters_;
     std::optional<std::stop_callback<std::function<void()>>> link_;
@@ -65,7 +77,7 @@ public:
     explicit EndOfTask(std::shared_ptr<TaskState<T>> state) : state_(std::move(state)) {}
     [[nodiscard]] bool await_ready() const { return state_->done(); }
     template <class Promise> bool await_suspend(std::coroutine_handle<Promise> waiter) {
-        return state_->addWaiter(waiter.promise().context.executor, waiter);
+        return state_->addWaiter(contextOf(waiter).executor, waiter);
     }
     void await_resume() const noexcept {}
 
@@ -76,7 +88,8 @@ private:
 } // namespace detail
 
 /// A task that was started. Copyable; all copies name the same task, and dropping them all does not stop it. A
-/// handle made by default names no task. Any thread may cancel or ask; many tasks may await the end.
+/// handle made by default names no task, and only asking whether it does is allowed. Any thread may cancel or ask;
+/// many tasks may await the end.
 template <class T = void> class TaskHandle {
 public:
     TaskHandle() = default;
@@ -87,30 +100,41 @@ public:
     void reset() { state_.reset(); }
 
     /// Asks the task to end; it does so at its next look at its token.
-    void cancel() const { state_->stop.request_stop(); }
-    [[nodiscard]] bool isCancelled() const { return state_->stop.stop_requested(); }
-    [[nodiscard]] bool done() const { return state_->done(); }
+    void cancel() const { state().stop.request_stop(); }
+    [[nodiscard]] bool isCancelled() const { return state().stop.stop_requested(); }
+    [[nodiscard]] bool done() const { return state().done(); }
 
     /// `co_await handle.join()` goes on when the task has ended. A joiner that is cancelled goes on waiting and has
     /// to look at its own token afterwards.
-    [[nodiscard]] detail::EndOfTask<T> join() const { return detail::EndOfTask<T>(state_); }
+    [[nodiscard]] detail::EndOfTask<T> join() const {
+        (void)state();
+        return detail::EndOfTask<T>(state_);
+    }
 
     /// `co_await handle.value()` gives a copy of the result, or throws what the task threw.
-    [[nodiscard]] Task<T> value() const { return valueOf(state_); }
+    [[nodiscard]] Task<T> value() const {
+        (void)state();
+        return valueOf(state_);
+    }
 
-    /// The result of a task that has ended, moved out; for its one owner.
+    /// The result of a task that has ended, moved out, or what the task threw; for its one owner, once.
     [[nodiscard]] T take() const {
         if constexpr (std::is_void_v<T>)
-            detail::takeOutcome<T>(std::move(state_->outcome()));
+            detail::takeOutcome<T>(state().takeOutcome());
         else
-            return detail::takeOutcome<T>(std::move(state_->outcome()));
+            return detail::takeOutcome<T>(state().takeOutcome());
     }
 
 private:
+    [[nodiscard]] detail::TaskState<T>& state() const {
+        detail::requireUse(state_ != nullptr, "a handle that names none was used");
+        return *state_;
+    }
+
     static Task<T> valueOf(std::shared_ptr<detail::TaskState<T>> state) {
         detail::EndOfTask<T> end(state);
         co_await end;
-        detail::Outcome<T> outcome = state->outcome();
+        detail::Outcome<T> outcome = state->copyOutcome();
         if constexpr (std::is_void_v<T>)
             detail::takeOutcome<T>(std::move(outcome));
         else

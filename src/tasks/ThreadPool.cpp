@@ -101,15 +101,21 @@ ThreadPool::~ThreadPool() {
 
 void ThreadPool::run(std::function<void()> work) {
     std::vector<std::thread> ended;
+    // Destroyed without the lock: whoever waits for the work goes on, and may want something of this pool.
+    std::function<void()> dropped;
     {
         const std::lock_guard guard(state_->mutex);
         ended.swap(state_->ended);
-        if (!state_->closed) hire(std::move(work));
+        if (state_->closed)
+            dropped = std::move(work);
+        else
+            hire(work);
     }
     State::join(std::move(ended));
 }
 
-void ThreadPool::hire(std::function<void()> work) {
+// Takes the work, or throws and leaves it to the caller.
+void ThreadPool::hire(std::function<void()>& work) {
     state_->waiting.push_back(std::move(work));
     if (state_->isTakenByWorker()) return;
     state_->workArrived.notify_one();
@@ -119,6 +125,7 @@ void ThreadPool::hire(std::function<void()> work) {
     } catch (const std::system_error&) {
         // No thread could be had: one that runs takes the work; with none there is nothing to wait for.
         if (state_->threads == 0) {
+            work = std::move(state_->waiting.back());
             state_->waiting.pop_back();
             throw;
         }
@@ -133,11 +140,14 @@ void ThreadPool::startThread() {
 }
 
 bool ThreadPool::shutDown(std::chrono::milliseconds patience) {
-    std::deque<std::function<void()>> dropped;
     std::unique_lock lock(state_->mutex);
     state_->closed = true;
-    dropped.swap(state_->waiting);
+    std::deque<std::function<void()>> dropped = std::exchange(state_->waiting, {});
     state_->workArrived.notify_all();
+    // Whoever waited for it goes on now, without the lock.
+    lock.unlock();
+    dropped.clear();
+    lock.lock();
     const bool allEnded = state_->workEnded.wait_for(lock, patience, [this] { return state_->threads == 0; });
     for (auto& [id, stuck] : state_->running)
         stuck.detach();

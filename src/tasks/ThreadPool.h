@@ -11,8 +11,8 @@ namespace kestrin {
 /// Threads that are started when work waits and none is idle, up to a limit, and that end after a short idle time,
 /// so that a quiet program has only its standing ones. Work beyond the limit waits in order. The pool may be
 /// destroyed while work is stuck: such threads are left behind and touch nothing of the pool's owner, only what
-/// their work owns. Of what a piece of work hands over itself, the first may wait until that piece has ended: hand
-/// over last, never wait for it.
+/// their work owns. Work submitted by a running piece may start only after that piece returns: submit it last, and
+/// never wait for it.
 class ThreadPool : public BlockingPool {
 public:
     /// `standingThreads` are started here and stay; with at least one, `run` never fails for want of a thread.
@@ -23,7 +23,8 @@ public:
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
-    /// After `shutDown` began, work is dropped unrun. Throws `std::system_error` when there is no thread at all.
+    /// After `shutDown` began, work is dropped unrun. Throws `std::system_error`, and drops the work, when there is
+    /// no thread at all.
     void run(std::function<void()> work) override;
 
     /// Takes no more work, drops what waits and waits at most `patience` for what runs. True when nothing is left
@@ -38,7 +39,7 @@ public:
 
 private:
     struct State;
-    void hire(std::function<void()> work);
+    void hire(std::function<void()>& work);
     void startThread();
 
     std::shared_ptr<State> state_;

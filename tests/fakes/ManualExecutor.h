@@ -12,7 +12,7 @@ namespace kestrin {
 /// An executor that runs only when the test says so. Posting may come from any thread.
 class ManualExecutor : public Executor {
 public:
-    void post(std::function<void()> work) override {
+    void post(std::function<void()> work) noexcept override {
         const std::lock_guard guard(mutex_);
         queue_.push_back(std::move(work));
     }
@@ -26,7 +26,7 @@ public:
             work = std::move(queue_.front());
             queue_.pop_front();
         }
-        work();
+        runAs(this, work);
         return true;
     }
 

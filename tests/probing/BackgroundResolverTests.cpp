@@ -2,6 +2,7 @@
 
 #include "model/MessageError.h"
 #include "probing/ProbingLab.h"
+#include "tasks/CancellationError.h"
 
 #include <gmock/gmock.h>
 

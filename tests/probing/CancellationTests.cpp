@@ -1,4 +1,5 @@
 #include "probing/ProbingLab.h"
+#include "tasks/CancellationError.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,6 @@
 #include "probing/ProbingLab.h"
 
+#include "tasks/CancellationError.h"
 #include "tasks/SerialExecutor.h"
 #include "tasks/ThreadPool.h"
 

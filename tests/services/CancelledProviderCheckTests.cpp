@@ -1,6 +1,7 @@
 #include "fakes/HeldAnswer.h"
 #include "probing/TransportError.h"
 #include "services/ProviderCheckLab.h"
+#include "tasks/CancellationError.h"
 
 #include <gmock/gmock.h>
 

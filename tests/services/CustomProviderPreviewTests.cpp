@@ -6,6 +6,7 @@
 #include "probing/TransportError.h"
 #include "services/FeedBodies.h"
 #include "services/ProviderPreviewError.h"
+#include "tasks/CancellationError.h"
 #include "tasks/Spawn.h"
 
 #include <gmock/gmock.h>

@@ -6,6 +6,7 @@
 #include "state/FileRevision.h"
 #include "state/StateErrors.h"
 #include "state/ThrownMessage.h"
+#include "tasks/CancellationError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

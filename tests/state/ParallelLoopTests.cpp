@@ -3,6 +3,7 @@
 #include "model/MessageError.h"
 #include "state/StateErrors.h"
 #include "state/ThrownMessage.h"
+#include "tasks/CancellationError.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>

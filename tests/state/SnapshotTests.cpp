@@ -4,6 +4,7 @@
 #include "state/StateReader.h"
 #include "state/StateWriter.h"
 #include "state/ThrownMessage.h"
+#include "tasks/CancellationError.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -19,7 +19,7 @@ using std::chrono::seconds;
 using Log = std::vector<std::string>;
 
 Task<> operation(FifoGate& gate, Clock& clock, std::string name, Log& log) {
-    const FifoGate::Turn turn = co_await gate.enter();
+    const std::optional<FifoGate::Turn> turn = co_await gate.enter();
     log.push_back(name + " enters");
     co_await sleepUntil(clock, clock.now() + seconds(1));
     log.push_back(name + " wakes");
@@ -28,24 +28,23 @@ Task<> operation(FifoGate& gate, Clock& clock, std::string name, Log& log) {
 }
 
 Task<> failingInside(FifoGate& gate, Clock& clock) {
-    const FifoGate::Turn turn = co_await gate.enter();
+    const std::optional<FifoGate::Turn> turn = co_await gate.enter();
     co_await sleepUntil(clock, clock.now() + seconds(1));
     throw std::runtime_error("inside");
 }
 
 Task<> enterAndLeave(FifoGate& gate, std::string name, Log& log) {
-    const FifoGate::Turn turn = co_await gate.enter();
+    const std::optional<FifoGate::Turn> turn = co_await gate.enter();
     log.push_back(name);
 }
 
-Task<bool> cancelledOnEntering(FifoGate& gate) {
-    const FifoGate::Turn turn = co_await gate.enter();
-    const TaskContext context = co_await currentContext();
-    co_return context.isCancelled();
+Task<bool> enters(FifoGate& gate) {
+    const std::optional<FifoGate::Turn> turn = co_await gate.enter();
+    co_return turn.has_value();
 }
 
 Task<Executor*> executorInside(FifoGate& gate) {
-    const FifoGate::Turn turn = co_await gate.enter();
+    const std::optional<FifoGate::Turn> turn = co_await gate.enter();
     const TaskContext context = co_await currentContext();
     co_return context.executor;
 }
@@ -130,20 +129,44 @@ TEST_F(AGate, isLeftByAnException) {
     EXPECT_TRUE(later.done());
 }
 
-TEST_F(AGate, givesACancelledWaiterItsTurnAndLetsItSeeItsToken) {
+TEST_F(AGate, letsACancelledWaiterGoAtOnceAndTheNextMoveUp) {
     spawn(executor, operation(gate, clock, "a", log));
     executor.runUntilIdle();
-    const TaskHandle<bool> waiter = spawn(executor, cancelledOnEntering(gate));
-    const TaskHandle<bool> behind = spawn(executor, cancelledOnEntering(gate));
+    const TaskHandle<bool> waiter = spawn(executor, enters(gate));
+    spawn(executor, enterAndLeave(gate, "behind", log));
     executor.runUntilIdle();
     waiter.cancel();
+    EXPECT_FALSE(waiter.done()) << "the stop callback resumed the task itself";
     executor.runUntilIdle();
-    EXPECT_FALSE(waiter.done());
-    passSeconds(2);
     ASSERT_TRUE(waiter.done());
+    EXPECT_FALSE(waiter.take());
+    passSeconds(2);
+    EXPECT_EQ(log, (Log{"a enters", "a wakes", "a leaves", "behind"}));
+}
+
+TEST_F(AGate, letsNoCancelledTaskInEvenWhenItIsFree) {
+    const TaskHandle<bool> task = spawn(executor, enters(gate));
+    task.cancel();
+    executor.runUntilIdle();
+    EXPECT_FALSE(task.take());
+    const TaskHandle<bool> next = spawn(executor, enters(gate));
+    executor.runUntilIdle();
+    EXPECT_TRUE(next.take());
+}
+
+TEST_F(AGate, keepsATurnThatWasGivenBeforeTheCancellation) {
+    spawn(executor, operation(gate, clock, "a", log));
+    executor.runUntilIdle();
+    const TaskHandle<bool> waiter = spawn(executor, enters(gate));
+    passSeconds(1);
+    clock.advance(seconds(1));
+    executor.runOne();
+    waiter.cancel();
+    executor.runUntilIdle();
     EXPECT_TRUE(waiter.take());
-    ASSERT_TRUE(behind.done());
-    EXPECT_FALSE(behind.take());
+    spawn(executor, enterAndLeave(gate, "later", log));
+    executor.runUntilIdle();
+    EXPECT_EQ(log.back(), "later");
 }
 
 TEST_F(AGate, resumesAWaiterOnItsOwnExecutor) {
@@ -162,8 +185,8 @@ TEST_F(AGate, handsOnATurnThatIsMoved) {
     std::optional<FifoGate::Turn> kept;
     struct Keeping {
         static Task<> task(FifoGate& gate, std::optional<FifoGate::Turn>& kept) {
-            FifoGate::Turn turn = co_await gate.enter();
-            kept.emplace(std::move(turn));
+            std::optional<FifoGate::Turn> turn = co_await gate.enter();
+            kept.emplace(std::move(*turn));
         }
     };
     spawn(executor, Keeping::task(gate, kept));

@@ -273,7 +273,7 @@ TEST_F(AbandonableWork, withoutResultStillTellsWhetherItWasAbandoned) {
     EXPECT_FALSE(abandoned.take());
 }
 
-TEST_F(AbandonableWork, droppedByItsPoolCanStillBeAbandoned) {
+TEST_F(AbandonableWork, droppedByItsPoolIsACancellation) {
     std::stop_source abandon;
     const TaskHandle<std::optional<int>> handle =
         spawn(executor, lookUp(pool, [] { return 5; }, abandon.get_token()));
@@ -281,7 +281,41 @@ TEST_F(AbandonableWork, droppedByItsPoolCanStillBeAbandoned) {
     pool.dropAll();
     abandon.request_stop();
     executor.runUntilIdle();
+    ASSERT_TRUE(handle.done());
+    EXPECT_THROW((void)handle.take(), CancellationError);
+}
+
+TEST_F(AbandonableWork, abandonedBeforeItsPoolDropsItIsOnlyAbandoned) {
+    std::stop_source abandon;
+    const TaskHandle<std::optional<int>> handle =
+        spawn(executor, lookUp(pool, [] { return 5; }, abandon.get_token()));
+    executor.runUntilIdle();
+    abandon.request_stop();
+    pool.dropAll();
+    executor.runUntilIdle();
     EXPECT_EQ(handle.take(), std::nullopt);
+    EXPECT_EQ(executor.waiting(), 0u);
+}
+
+TEST_F(OffloadedWork, droppedByItsPoolEndsTheWaitWithACancellationAndLetsGoOfWhatItHeld) {
+    const auto held = std::make_shared<int>(0);
+    const TaskHandle<int> handle = spawn(executor, computed(pool, [held] { return *held; }));
+    executor.runUntilIdle();
+    pool.dropAll();
+    EXPECT_FALSE(handle.done()) << "the pool resumed the task itself";
+    EXPECT_EQ(held.use_count(), 1);
+    executor.runUntilIdle();
+    ASSERT_TRUE(handle.done());
+    EXPECT_THROW((void)handle.take(), CancellationError);
+}
+
+TEST_F(OffloadedWork, thatItsPoolCannotTakeThrowsThePoolsReasonOnce) {
+    pool.refuses = true;
+    const TaskHandle<int> handle = spawn(executor, computed(pool, [] { return 1; }));
+    executor.runUntilIdle();
+    ASSERT_TRUE(handle.done());
+    EXPECT_THROW((void)handle.take(), std::system_error);
+    EXPECT_EQ(executor.waiting(), 0u);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ class VirtualWorld {
 public:
     explicit VirtualWorld(std::uint32_t seed) : random_(seed) {
         for (int tree = 0; tree < 8; ++tree)
-            trees_.push_back(spawn(home_, randomTree(world_, random_(), 3)));
+            trees_.push_back(world_.scope.spawn(home_, randomTree(world_, random_(), 3)));
     }
 
     void takeRandomSteps(int count) {
@@ -40,6 +40,7 @@ public:
                 break;
             case 7:
                 if (random_() % 64 == 0) world_.abandon.request_stop();
+                if (random_() % 64 == 0) pool_.dropAll();
                 break;
             case 8:
             case 9:
@@ -53,10 +54,7 @@ public:
         }
     }
 
-    void cancelAll() {
-        for (const TaskHandle<int>& tree : trees_)
-            tree.cancel();
-    }
+    void cancelAll() { world_.scope.cancel(); }
 
     /// Lets the executors, the pool and the time go on until nothing is left to do.
     void drain() {
@@ -78,11 +76,14 @@ public:
                 EXPECT_GE(tree.take(), 0);
             } catch (const RandomFailure&) {
                 ++failures;
+            } catch (const CancellationError&) {
+                ++drops;
             }
         }
+        EXPECT_EQ(world_.scope.size(), 0u);
         EXPECT_GT(world_.framesBegun, 0);
         EXPECT_EQ(world_.framesBegun, world_.framesEnded);
-        EXPECT_EQ(world_.piecesBegun, world_.piecesEnded);
+        EXPECT_EQ(world_.piecesBegun, world_.piecesEnded + world_.piecesDropped);
         EXPECT_FALSE(world_.overlapped);
         EXPECT_EQ(world_.inside, 0);
         EXPECT_EQ(clock_.timerCount(), 0u);
@@ -95,9 +96,10 @@ public:
     }
 
     int failures = 0;
+    int drops = 0;
 
 private:
-    static Task<> enter(FifoGate& gate) { const FifoGate::Turn turn = co_await gate.enter(); }
+    static Task<> enter(FifoGate& gate) { const std::optional<FifoGate::Turn> turn = co_await gate.enter(); }
 
     Dice random_;
     ManualExecutor home_;
@@ -110,6 +112,7 @@ private:
 
 void runWorlds(std::uint32_t firstSeed, Ending ending) {
     int failures = 0;
+    int drops = 0;
     for (std::uint32_t seed = firstSeed; seed < firstSeed + 150; ++seed) {
         SCOPED_TRACE(seed);
         VirtualWorld world(seed);
@@ -119,7 +122,9 @@ void runWorlds(std::uint32_t firstSeed, Ending ending) {
         world.expectNothingLeft();
         if (testing::Test::HasFatalFailure()) return;
         failures += world.failures;
+        drops += world.drops;
     }
+    EXPECT_GT(drops, 0) << "no pool ever dropped work";
     EXPECT_GT(failures, 0) << "no tree ever threw, so that nothing was shown about throwing";
 }
 

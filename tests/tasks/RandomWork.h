@@ -6,6 +6,7 @@
 #include "tasks/FifoGate.h"
 #include "tasks/Offload.h"
 #include "tasks/Sleep.h"
+#include "tasks/TaskScope.h"
 
 #include <atomic>
 #include <cstdint>
@@ -27,6 +28,7 @@ struct RandomWorld {
     Clock& clock;
     BlockingPool& pool;
     FifoGate gate;
+    TaskScope scope;
     std::stop_source abandon;
 
     std::atomic<int> framesBegun = 0;
@@ -35,6 +37,7 @@ struct RandomWorld {
     std::atomic<bool> overlapped = false;
     std::atomic<int> piecesBegun = 0;
     std::atomic<int> piecesEnded = 0;
+    std::atomic<int> piecesDropped = 0;
 };
 
 /// Numbers of 32 bits that a seed determines, the same with every library.
@@ -91,8 +94,13 @@ inline Task<int> randomPiece(RandomWorld& world, bool fails) {
         if (fails) throw RandomFailure();
         return token.stop_requested() ? 0 : 1;
     };
-    Task<int> waiting = offload(world.pool, work);
-    co_return co_await std::move(waiting);
+    try {
+        Task<int> waiting = offload(world.pool, work);
+        co_return co_await std::move(waiting);
+    } catch (const CancellationError&) {
+        ++world.piecesDropped;
+        throw;
+    }
 }
 
 inline Task<int> randomAbandonablePiece(RandomWorld& world) {
@@ -105,7 +113,8 @@ inline Task<int> randomAbandonablePiece(RandomWorld& world) {
 
 inline Task<> randomTurn(RandomWorld& world, std::uint32_t choice) {
     const FrameCount frame(world);
-    const FifoGate::Turn turn = co_await world.gate.enter();
+    const std::optional<FifoGate::Turn> turn = co_await world.gate.enter();
+    if (!turn) co_return;
     const InsideTheGate inside(world);
     const TaskContext context = co_await currentContext();
     if (context.isCancelled()) co_return;
@@ -119,8 +128,38 @@ inline Task<> randomTurn(RandomWorld& world, std::uint32_t choice) {
     }
 }
 
-/// A random tree of sleeps, pieces of blocking work, turns of the gate, groups and excursions to the other
-/// executor. Stops at a cancellation that it sees, and sometimes throws.
+inline Task<int> randomTree(RandomWorld& world, std::uint32_t seed, int depth);
+
+/// Trees in a scope of their own inside the world's, which is cancelled sometimes and joined always.
+inline Task<int> randomScope(RandomWorld& world, std::uint32_t seed, int depth) {
+    const FrameCount frame(world);
+    Dice random(seed);
+    TaskScope inner = world.scope.inner();
+    const TaskContext context = co_await currentContext();
+    const std::stop_callback<std::function<void()>> link(context.stopToken, [&inner] { inner.cancel(); });
+    for (std::uint32_t count = 1 + random() % 3; count > 0; --count)
+        inner.spawn(random() % 2 == 0 ? world.home : world.away, randomTree(world, random(), depth));
+    if (random() % 4 == 0) {
+        Task<> sleep = randomSleep(world, random() % 20);
+        co_await std::move(sleep);
+        inner.cancel();
+    }
+    Task<> join = inner.join();
+    co_await std::move(join);
+    co_return static_cast<int>(inner.size());
+}
+
+/// An operation that its caller's cancellation does not reach. Gives whether it saw one.
+inline Task<bool> randomOperation(RandomWorld& world, std::uint32_t milliseconds) {
+    const FrameCount frame(world);
+    Task<> sleep = randomSleep(world, milliseconds);
+    co_await std::move(sleep);
+    const TaskContext context = co_await currentContext();
+    co_return context.isCancelled() && !world.scope.isCancelled();
+}
+
+/// A random tree of sleeps, pieces of blocking work, turns of the gate, groups, scopes, operations and excursions
+/// to the other executor. Stops at a cancellation that it sees, and sometimes throws.
 inline Task<int> randomTree(RandomWorld& world, std::uint32_t seed, int depth) {
     const FrameCount frame(world);
     Dice random(seed);
@@ -128,7 +167,7 @@ inline Task<int> randomTree(RandomWorld& world, std::uint32_t seed, int depth) {
     for (std::uint32_t left = 1 + random() % 4; left > 0; --left) {
         const TaskContext context = co_await currentContext();
         if (context.isCancelled()) co_return steps;
-        switch (random() % (depth > 0 ? 7 : 4)) {
+        switch (random() % (depth > 0 ? 9 : 5)) {
         case 0: {
             Task<> sleep = randomSleep(world, random() % 100);
             co_await std::move(sleep);
@@ -150,6 +189,17 @@ inline Task<int> randomTree(RandomWorld& world, std::uint32_t seed, int depth) {
             break;
         }
         case 4: {
+            Executor& owner = context.executor == &world.home ? world.away : world.home;
+            Task<bool> operation = runToCompletion(world.scope, owner, randomOperation(world, random() % 30));
+            if (co_await std::move(operation)) world.overlapped = true;
+            break;
+        }
+        case 5: {
+            Task<int> inScope = randomScope(world, random(), depth - 1);
+            steps += co_await std::move(inScope);
+            break;
+        }
+        case 6: {
             std::vector<Task<int>> children;
             for (std::uint32_t more = 1 + random() % 3; more > 0; --more)
                 children.push_back(randomTree(world, random(), depth - 1));
@@ -159,7 +209,7 @@ inline Task<int> randomTree(RandomWorld& world, std::uint32_t seed, int depth) {
                 steps += result;
             break;
         }
-        case 5: {
+        case 7: {
             Executor& elsewhere = context.executor == &world.home ? world.away : world.home;
             Task<int> there = runOn(elsewhere, randomTree(world, random(), depth - 1));
             steps += co_await std::move(there);

@@ -86,7 +86,7 @@ TEST(ASerialExecutor, mayBeDestroyedByItsOwnWork) {
     EXPECT_TRUE(ranAfterwards);
 }
 
-/// A pool that has no thread to give at first.
+/// A pool that has no thread to give, at first.
 class RefusingPool : public ManualPool {
 public:
     void run(std::function<void()> work) override {
@@ -96,16 +96,41 @@ public:
     bool refuses = true;
 };
 
-TEST(ASerialExecutor, goesOnAfterItsPoolRefusedWork) {
+TEST(ASerialExecutor, losesNothingWhenItsPoolHasNoThreadToGive) {
     RefusingPool pool;
     SerialExecutor executor(pool);
     std::vector<int> order;
-    EXPECT_THROW(executor.post([&order] { order.push_back(1); }), std::runtime_error);
+    executor.post([&] {
+        order.push_back(1);
+        executor.post([&order] { order.push_back(2); });
+        EXPECT_EQ(order, std::vector<int>{1}) << "work ran inside work";
+    });
+    EXPECT_EQ(order, (std::vector<int>{1, 2}));
     pool.refuses = false;
-    executor.post([&order] { order.push_back(2); });
+    executor.post([&order] { order.push_back(3); });
     ASSERT_EQ(pool.waiting(), 1u);
     pool.finish();
-    EXPECT_EQ(order, std::vector<int>{2}) << "refused work has been reported as not taken";
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+}
+
+TEST(ASerialExecutor, runsWhatItsPoolDrops) {
+    ManualPool pool;
+    SerialExecutor executor(pool);
+    std::vector<int> order;
+    executor.post([&order] { order.push_back(1); });
+    executor.post([&order] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    pool.dropAll();
+    EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST(ASerialExecutor, isTheCurrentOneWhileItsWorkRuns) {
+    ManualPool pool;
+    SerialExecutor executor(pool);
+    EXPECT_EQ(Executor::current(), nullptr);
+    executor.post([&executor] { EXPECT_EQ(Executor::current(), &executor); });
+    pool.finish();
+    EXPECT_EQ(Executor::current(), nullptr);
 }
 
 TEST(ASerialExecutor, runsOneThingAtATimeInTheOrderOfEachPoster) {

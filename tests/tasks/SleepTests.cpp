@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -131,6 +132,17 @@ TEST_F(ASleep, afterACancelledOneIsCancelledToo) {
     executor.runUntilIdle();
     ASSERT_TRUE(handle.done());
     EXPECT_EQ(handle.take(), 2);
+}
+
+TEST_F(ASleep, isCancelledWhenItsClockEnds) {
+    auto ending = std::make_unique<VirtualClock>();
+    const TaskHandle<SleepResult> handle = spawn(executor, sleeping(*ending, Instant::max()));
+    executor.runUntilIdle();
+    ending.reset();
+    EXPECT_FALSE(handle.done()) << "the clock resumed the task itself";
+    executor.runUntilIdle();
+    ASSERT_TRUE(handle.done());
+    EXPECT_EQ(handle.take(), SleepResult::Cancelled);
 }
 
 TEST_F(ASleep, wakesInTheOrderOfTheInstants) {
