@@ -1,8 +1,8 @@
 #include "monitoring/AppModel.h"
 
 #include "monitoring/MonitoredTargets.h"
+#include "monitoring/Selection.h"
 #include "tasks/Sleep.h"
-#include "tasks/Spawn.h"
 
 #include <algorithm>
 #include <exception>
@@ -23,14 +23,13 @@ void cancelAndForget(TaskHandle<>& task) {
 AppModel::AppModel(Collaborators collaborators)
     : collaborators_(std::move(collaborators)),
       loader_(collaborators_.reader, collaborators_.customProviderStore, collaborators_.services),
-      self_(this, [](AppModel*) {}), notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()) {
+      tasks_(collaborators_.tasks.inner()), self_(*this),
+      notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()) {
     reload();
 }
 
 AppModel::~AppModel() {
-    // A loop that sleeps would otherwise learn of the end only at its next wake, which may never come.
-    for (TaskHandle<>* task : {&monitoringTask_, &manualCheckTask_, &reloadTask_, &revisionRefreshTask_})
-        cancelAndForget(*task);
+    // Its scope cancels the tasks: a loop that sleeps would otherwise learn of the end only at its next wake.
     notificationPolicyLease_->invalidate();
 }
 
@@ -38,6 +37,7 @@ void AppModel::startMonitoring() {
     if (isMonitoring_) return;
     isMonitoring_ = true;
     operationError_.reset();
+    reloadAfterFailure();
     startLoop(CheckTrigger::start, {}, {});
     announceChange();
 }
@@ -55,15 +55,17 @@ void AppModel::stopMonitoring() {
 void AppModel::checkNow() {
     if (isChecking_ || manualCheckTask_) return;
     operationError_.reset();
+    reloadAfterFailure();
     ++manualCheckGeneration_;
-    manualCheckTask_ = spawn(collaborators_.mainExecutor, runManualCheck(self_, manualCheckGeneration_));
+    manualCheckTask_ =
+        tasks_.spawn(collaborators_.mainExecutor, runManualCheck(self_.reference(), manualCheckGeneration_));
     announceChange();
 }
 
 Task<> AppModel::runManualCheck(Reference self, std::uint64_t generation) {
     co_await waitForReload(self);
     co_await runCycle(self, CheckTrigger::manual);
-    const auto model = self.lock();
+    AppModel* const model = self.get();
     if (!model || model->manualCheckGeneration_ != generation) co_return;
     model->manualCheckTask_.reset();
     model->announceChange();
@@ -95,12 +97,12 @@ void AppModel::shutdown() {
 }
 
 void AppModel::startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
-    monitoringTask_ = spawn(
-        collaborators_.mainExecutor, monitor(self_, first, std::move(earlierLoop), std::move(earlierManualCheck)));
+    monitoringTask_ = tasks_.spawn(collaborators_.mainExecutor,
+        monitor(self_.reference(), first, std::move(earlierLoop), std::move(earlierManualCheck)));
 }
 
 bool AppModel::goesOn(const Reference& self, const TaskContext& context) {
-    const auto model = self.lock();
+    const AppModel* const model = self.get();
     return model && !context.isCancelled() && model->isMonitoring_;
 }
 
@@ -116,31 +118,29 @@ Task<> AppModel::monitor(
     co_await runCycle(self, first);
 
     while (goesOn(self, context)) {
-        Clock* clock = nullptr;
-        Instant wake;
-        {
-            // Counted from the end of the cycle: no catching up, and the interval is read afresh.
-            const auto model = self.lock();
-            clock = &model->collaborators_.clock;
-            wake = saturatingAfter(clock->now(), model->intervalSeconds_);
-        }
-        const SleepResult slept = co_await sleepUntil(*clock, wake);
+        // Counted from the end of the cycle: no catching up, and the interval is read afresh.
+        Clock& clock = self.get()->collaborators_.clock;
+        const Instant wake = saturatingAfter(clock.now(), self.get()->intervalSeconds_);
+        const SleepResult slept = co_await sleepUntil(clock, wake);
         if (slept == SleepResult::Cancelled || !goesOn(self, context)) co_return;
+        self.get()->reloadAfterFailure();
         co_await runCycle(self, CheckTrigger::scheduled);
     }
 }
 
 Task<> AppModel::waitForReload(Reference self) {
     while (true) {
-        TaskHandle<> reload;
-        {
-            const auto model = self.lock();
-            if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
-            reload = model->reloadTask_;
-        }
+        const AppModel* const model = self.get();
+        if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
+        const TaskHandle<> reload = model->reloadTask_;
         // Another load may have begun meanwhile, so the question is asked again.
         co_await reload.join();
     }
+}
+
+// A file that was damaged for a moment must not end all checks until somebody opens the dashboard.
+void AppModel::reloadAfterFailure() {
+    if (loadError_ && !isLoading_) reload();
 }
 
 std::span<const SiteSnapshot> AppModel::visibleSnapshots() const {
@@ -157,25 +157,41 @@ const SiteSnapshot* AppModel::selectedSnapshot() const {
 }
 
 void AppModel::selectSite(const std::string& id) {
-    const auto visible = visibleSnapshots();
-    if (std::ranges::none_of(visible, [&](const SiteSnapshot& snapshot) { return snapshot.site.id == id; })) return;
-    if (configuration_ && configuration_->activeSiteID != id) {
-        SiteConfiguration chosen = *configuration_;
-        chosen.activeSiteID = id;
+    if (!isShown(id, visibleSnapshots())) return;
+    if (isLoading_) {
+        // Written now, it would look to the load like somebody else's change.
+        choiceDuringLoad_ = id;
+    } else if (configuration_->activeSiteID != id) {
         try {
-            collaborators_.writer.saveConfiguration(chosen, Backup::None);
-            // Read afresh, so that the model's own write does not look like somebody else's.
-            configurationRevision_ = collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
+            rememberChoice(id);
         } catch (const std::exception& error) {
             operationError_ = std::string("Could not remember the selected website: ") + error.what();
             announceChange();
             return;
         }
-        configuration_ = std::move(chosen);
     }
     selectedSiteID_ = id;
     operationError_.reset();
     announceChange();
+}
+
+void AppModel::rememberChoice(const std::string& id) {
+    const auto revisionOnDisk = [this] {
+        return collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
+    };
+    // Somebody has written the file since it was loaded, and the model's copy would undo that.
+    if (revisionOnDisk() != configurationRevision_) return reload();
+    SiteConfiguration chosen = *configuration_;
+    chosen.activeSiteID = id;
+    ++ownWrites_;
+    collaborators_.writer.saveConfiguration(chosen, Backup::None);
+    // Read afresh, so that the model's own write does not look like somebody else's.
+    configurationRevision_ = revisionOnDisk();
+    configuration_ = std::move(chosen);
+}
+
+void AppModel::storeChoiceOfLoad() {
+    if (const std::optional<std::string> id = std::exchange(choiceDuringLoad_, std::nullopt)) selectSite(*id);
 }
 
 void AppModel::setSelectedProviderID(std::string id) {
@@ -193,6 +209,7 @@ NotificationInputs AppModel::notificationInputs() const {
     inputs.lease = notificationPolicyLease_;
     if (!configuration_) return inputs;
     TargetDescription description = describeTargets({.configuration = *configuration_,
+        .isSaved = !isFirstRun_,
         .added = customProviderConfiguration_,
         .addedAreReadable = !customProviderIssue_,
         .directory = *collaborators_.services,
@@ -208,7 +225,7 @@ std::optional<std::string> AppModel::activeSiteID() const {
 }
 
 void AppModel::announceChange() const {
-    if (onChange) onChange();
+    listeners_.announce();
 }
 
 } // namespace kestrin

@@ -8,8 +8,10 @@
 #include "notifications/NotificationObserving.h"
 #include "state/StateWriting.h"
 #include "tasks/BlockingPool.h"
+#include "tasks/ChangeListeners.h"
 #include "tasks/Clock.h"
-#include "tasks/TaskHandle.h"
+#include "tasks/TaskScope.h"
+#include "tasks/WeakReference.h"
 
 #include <chrono>
 #include <cstdint>
@@ -27,7 +29,7 @@ namespace kestrin {
 /// The heart of the program: owns the schedule, runs check cycles, writes their results, keeps the snapshots that
 /// the dashboard shows and the only mutable copy of the loaded configuration. Lives on the main thread, that is on
 /// `mainExecutor`; every member is touched there only. The constructor starts the first load. Its tasks hold it
-/// through references that do not own it and end when it is gone.
+/// through weak references and end when it is gone.
 class AppModel {
 public:
     using WallClock = std::function<std::chrono::system_clock::time_point()>;
@@ -40,6 +42,7 @@ public:
         std::shared_ptr<const ServiceDirectory> services;
         MonitoringCheckRunner checkRunner;
         NotificationObserving& notificationCoordinator;
+        TaskScope& tasks; ///< the model's tasks count in it
         Executor& mainExecutor;
         Clock& clock;
         BlockingPool& loadPool;
@@ -62,15 +65,19 @@ public:
     void restartMonitoring();
     /// Loads the state directory anew, superseding a load that runs and every result gathered so far.
     void reload();
-    /// Reloads if a file has another revision than the model knows. Nothing while a load or a comparison runs.
+    /// Reloads if a file has a revision that the model neither knows nor made. Nothing while a load or a comparison
+    /// runs.
     void refreshIfStateChanged();
-    /// Shows a website and remembers the choice in "sites.json".
+    /// Shows a website and remembers the choice in "sites.json": during a load once that has ended, and never over
+    /// a file that somebody else has written since the last load, which is then loaded.
     void selectSite(const std::string& id);
     /// The program ends: stops everything and starts nothing more.
     void shutdown();
 
-    /// Called after every change of what follows, on the main thread and possibly many times in a row.
-    std::function<void()> onChange;
+    /// Calls `listener` after every change of what follows, on the main thread and possibly many times in a row.
+    [[nodiscard]] ChangeListeners::Subscription onChange(std::function<void()> listener) {
+        return listeners_.add(std::move(listener));
+    }
 
     [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return snapshots_; }
     [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const;
@@ -102,8 +109,7 @@ public:
     [[nodiscard]] const TaskHandle<>& reloadTask() const { return reloadTask_; }
 
 private:
-    /// A task's way to the model: locked for one stretch without an await, gone when the model is.
-    using Reference = std::weak_ptr<AppModel>;
+    using Reference = WeakReference<AppModel>;
     struct CycleTicket;
     using SiteChecks = TaskHandle<std::vector<CheckRecord>>;
     using ServiceChecks = TaskHandle<std::vector<ProviderCheckRecord>>;
@@ -114,6 +120,7 @@ private:
         Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
     static Task<> runManualCheck(Reference self, std::uint64_t generation);
     static Task<> waitForReload(Reference self);
+    void reloadAfterFailure();
 
     static Task<> runCycle(Reference self, CheckTrigger trigger);
     static Task<> performCycle(Reference self, TaskContext context, CycleTicket ticket,
@@ -124,12 +131,14 @@ private:
         const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger);
     bool recordSite(const CheckRecord& record);
     bool recordService(const ProviderCheckRecord& record);
+    void rememberChoice(const std::string& id);
+    void storeChoiceOfLoad();
     static Task<> notify(
         Reference self, TaskContext context, CycleTicket ticket, std::vector<NotificationObservation> observations);
 
     static Task<> runReload(
         Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID);
-    static Task<> runRevisionRefresh(Reference self, ExpectedStateRevisions expected);
+    static Task<> runRevisionRefresh(Reference self);
     void apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID);
     void applyLoaded(LoadedNotConfigured loaded);
     void applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID);
@@ -142,7 +151,9 @@ private:
 
     Collaborators collaborators_;
     ModelLoader loader_;
-    std::shared_ptr<AppModel> self_; ///< owns nothing; its weak references end with the model
+    TaskScope tasks_;
+    WeakReferenceSource<AppModel> self_;
+    ChangeListeners listeners_;
 
     std::vector<SiteSnapshot> snapshots_;
     std::string selectedSiteID_;
@@ -166,6 +177,9 @@ private:
     CustomProviderConfiguration customProviderConfiguration_;
     HistoryFileRevision configurationRevision_;
     HistoryFileRevision customProviderRevision_;
+    std::optional<std::string> choiceDuringLoad_; ///< to be stored once the load has ended
+    /// Files that the model itself has written so far: between two looks at the disk, a difference may be its own.
+    std::uint64_t ownWrites_ = 0;
     /// Whose snapshots lack a line of another program, though their revisions are those of the files.
     std::set<std::pair<HistoryKind, std::string>> incompleteHistories_;
 

@@ -5,10 +5,28 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
+#include <stop_token>
 #include <string>
 #include <utility>
 
 namespace kestrin {
+
+namespace {
+
+/// Checks of one kind. Their failure cancels the other kind: nothing of this cycle will be written.
+template <class Record>
+Task<std::vector<Record>> cancellingBoth(Task<std::vector<Record>> checks, std::stop_source both) {
+    try {
+        std::vector<Record> records = co_await std::move(checks);
+        co_return records;
+    } catch (...) {
+        both.request_stop();
+        throw;
+    }
+}
+
+} // namespace
 
 /// What a cycle set out with, compared when it comes back.
 struct AppModel::CycleTicket {
@@ -25,7 +43,7 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
     std::optional<CycleTicket> begun;
     MonitoringCheckRunner runner;
     {
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (!model) co_return;
         begun = model->beginCycle(context);
         runner = model->collaborators_.checkRunner;
@@ -38,27 +56,35 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
     } catch (const std::exception& error) {
         // Neither checks nor notifications throw; were one to do so, the loop must go on and the user hear of it,
         // unless the cycle has been given up, which is silent.
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (model && !context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {
             model->operationError_ = std::string("The checks broke off: ") + error.what();
             model->announceChange();
         }
     }
-    if (const auto model = self.lock()) model->endCycle(ticket);
+    if (AppModel* const model = self.get()) model->endCycle(ticket);
 }
 
 Task<> AppModel::performCycle(
     Reference self, TaskContext context, CycleTicket ticket, MonitoringCheckRunner runner, CheckTrigger trigger) {
+    // Both are there before either starts: an operation that throws instead of giving a task leaves nothing
+    // running.
+    Task<std::vector<CheckRecord>> sites = runner.performSiteChecks(std::exchange(ticket.sites, {}));
+    Task<std::vector<ProviderCheckRecord>> services =
+        runner.performProviderChecks(std::exchange(ticket.services, {}));
+    const std::stop_source both;
+    const std::stop_callback<std::function<void()>> link(
+        context.stopToken, [stop = both]() mutable { stop.request_stop(); });
     const SiteChecks siteChecks =
-        spawnChild(*context.executor, context.stopToken, runner.performSiteChecks(std::exchange(ticket.sites, {})));
-    const ServiceChecks serviceChecks = spawnChild(
-        *context.executor, context.stopToken, runner.performProviderChecks(std::exchange(ticket.services, {})));
+        spawnChild(*context.executor, both.get_token(), cancellingBoth(std::move(sites), both));
+    const ServiceChecks serviceChecks =
+        spawnChild(*context.executor, both.get_token(), cancellingBoth(std::move(services), both));
     co_await siteChecks.join();
     co_await serviceChecks.join();
 
     std::vector<NotificationObservation> observations;
     {
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (!model) co_return;
         if (!context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {
             observations = model->recordResults(siteChecks, serviceChecks, trigger);
@@ -130,6 +156,7 @@ std::vector<NotificationObservation> AppModel::recordResults(
 // Written first and looked up afterwards: a check that was made is not lost. False without a snapshot to show it
 // in.
 bool AppModel::recordSite(const CheckRecord& record) {
+    ++ownWrites_;
     const HistoryAppend append = collaborators_.writer.appendCheck(record);
     const auto snapshot = std::ranges::find_if(
         snapshots_, [&](const SiteSnapshot& candidate) { return candidate.site.id == record.siteID; });
@@ -147,6 +174,7 @@ bool AppModel::recordService(const ProviderCheckRecord& record) {
     const auto snapshot = std::ranges::find_if(providerSnapshots_,
         [&](const ProviderSnapshot& candidate) { return candidate.provider.id == record.providerID; });
     if (snapshot == providerSnapshots_.end()) return false;
+    ++ownWrites_;
     const HistoryAppend append = collaborators_.writer.appendProviderCheck(record);
     if (snapshot->historyRevision.value_or(HistoryFileRevision()) != append.before)
         incompleteHistories_.emplace(HistoryKind::Provider, record.providerID);
@@ -161,7 +189,7 @@ Task<> AppModel::notify(
     NotificationInputs inputs;
     NotificationObserving* coordinator = nullptr;
     {
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (!model || context.isCancelled() || model->policyGeneration_ != ticket.policyGeneration) co_return;
         inputs = model->notificationInputs();
         coordinator = &model->collaborators_.notificationCoordinator;
@@ -170,7 +198,7 @@ Task<> AppModel::notify(
     Task<NotificationManagementState> observing = coordinator->observe(std::move(observations), std::move(inputs));
     NotificationManagementState answer = co_await std::move(observing);
 
-    const auto model = self.lock();
+    AppModel* const model = self.get();
     if (!model || model->policyGeneration_ != ticket.policyGeneration || !lease->isValid()) co_return;
     model->notificationState_ = std::move(answer);
     model->announceChange();

@@ -43,7 +43,9 @@ void AppModel::reload() {
     revisionRefreshTask_.reset();
     isLoading_ = true;
     reloadTask_ =
-        spawn(collaborators_.mainExecutor, runReload(self_, policyGeneration_, std::move(previousActiveSiteID)));
+
+        tasks_.spawn(collaborators_.mainExecutor,
+            runReload(self_.reference(), policyGeneration_, std::move(previousActiveSiteID)));
     announceChange();
 }
 
@@ -52,7 +54,7 @@ Task<> AppModel::runReload(
     std::optional<Load> load;
     BlockingPool* pool = nullptr;
     {
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (!model) co_return;
         load.emplace(model->loader_, model->knownHistories());
         pool = &model->collaborators_.loadPool;
@@ -69,7 +71,7 @@ Task<> AppModel::runReload(
     NotificationInputs inputs;
     NotificationObserving* coordinator = nullptr;
     {
-        const auto model = self.lock();
+        AppModel* const model = self.get();
         if (!model || model->policyGeneration_ != generation) co_return;
         model->apply(std::move(result), previousActiveSiteID);
         inputs = model->notificationInputs();
@@ -86,12 +88,13 @@ Task<> AppModel::runReload(
         answer.availability = NotificationsUnavailable{error.what()};
     }
 
-    const auto model = self.lock();
+    AppModel* const model = self.get();
     if (!model || model->policyGeneration_ != generation || !lease->isValid()) co_return;
     model->notificationState_ = std::move(answer);
     model->isLoading_ = false;
     model->reloadTask_.reset();
     model->announceChange();
+    model->storeChoiceOfLoad();
 }
 
 void AppModel::apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID) {
@@ -149,6 +152,7 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
     providerSnapshots_ = std::move(loaded.providerSnapshots);
     selectedSiteID_ = reconciledSiteSelection(
         selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
+    if (choiceDuringLoad_ && isShown(*choiceDuringLoad_, visibleSnapshots())) selectedSiteID_ = *choiceDuringLoad_;
     selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
     isFirstRun_ = false;
     loadError_.reset();
@@ -159,33 +163,39 @@ void AppModel::refreshIfStateChanged() {
     // After a failure nothing is known of what is on disk; of incomplete histories the revisions are, but not all
     // of their lines.
     if (loadError_ || !incompleteHistories_.empty()) return reload();
-    revisionRefreshTask_ = spawn(collaborators_.mainExecutor, runRevisionRefresh(self_, expectedRevisions()));
+    revisionRefreshTask_ = tasks_.spawn(collaborators_.mainExecutor, runRevisionRefresh(self_.reference()));
 }
 
-Task<> AppModel::runRevisionRefresh(Reference self, ExpectedStateRevisions expected) {
+Task<> AppModel::runRevisionRefresh(Reference self) {
     const TaskContext context = co_await currentContext();
-    std::optional<Comparison> comparison;
-    BlockingPool* pool = nullptr;
-    {
-        const auto model = self.lock();
-        if (!model) co_return;
-        comparison.emplace(model->loader_, std::move(expected));
-        pool = &model->collaborators_.loadPool;
-    }
-    bool unchanged = true;
-    try {
-        Task<bool> comparing = offload(*pool, std::move(*comparison));
-        unchanged = co_await std::move(comparing);
-    } catch (const std::exception&) {
-        // What cannot be compared is loaded again, and the load tells what is wrong.
-        unchanged = false;
-    }
+    bool isUnchanged = false;
+    std::uint64_t writesSeen = 0;
+    do {
+        std::optional<Comparison> comparison;
+        BlockingPool* pool = nullptr;
+        {
+            const AppModel* const model = self.get();
+            if (!model || context.isCancelled()) co_return;
+            comparison.emplace(model->loader_, model->expectedRevisions());
+            writesSeen = model->ownWrites_;
+            pool = &model->collaborators_.loadPool;
+        }
+        try {
+            Task<bool> comparing = offload(*pool, std::move(*comparison));
+            isUnchanged = co_await std::move(comparing);
+        } catch (const std::exception&) {
+            // What cannot be compared is loaded again, and the load tells what is wrong.
+            isUnchanged = false;
+        }
+        // A difference may be a line that the model wrote meanwhile. To take it for somebody else's would cost a
+        // load and the results of whatever is in flight.
+    } while (!isUnchanged && self.get() && self.get()->ownWrites_ != writesSeen);
 
     // A comparison that was cancelled has been superseded, and the field is no longer its own.
-    const auto model = self.lock();
+    AppModel* const model = self.get();
     if (!model || context.isCancelled()) co_return;
     model->revisionRefreshTask_.reset();
-    if (!unchanged) model->reload();
+    if (!isUnchanged) model->reload();
 }
 
 // All but those in whose files somebody else has written a line that nobody has read.

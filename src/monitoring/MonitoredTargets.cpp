@@ -78,8 +78,10 @@ std::set<std::string> monitoredServiceIDs(const ServiceDirectory& directory,
 
 TargetDescription describeTargets(const TargetSources& sources) {
     TargetDescription description;
+    // A list made by hand may hold one id twice, but a key stands for one target: the first.
+    std::set<std::string> described;
     for (const SiteDefinition& site : sources.configuration.sites)
-        description.contexts.push_back(contextOf(site, sources.sites));
+        if (described.insert(site.id).second) description.contexts.push_back(contextOf(site, sources.sites));
 
     const ProviderStatusConfiguration& status = sources.configuration.providerStatus;
     const std::set<std::string> monitored = monitoredServiceIDs(sources.directory, status, sources.added);
@@ -97,7 +99,7 @@ TargetDescription describeTargets(const TargetSources& sources) {
             everyAddedServiceIsKnown = false;
         }
     }
-    description.policy.hasValidConfiguration = true;
+    description.policy.hasValidConfiguration = sources.isSaved;
     description.policy.targetsAreReadable = sources.addedAreReadable && everyAddedServiceIsKnown;
     return description;
 }

@@ -31,6 +31,7 @@ namespace kestrin {
 /// Everything that notifications are told of the present targets.
 struct TargetSources {
     const SiteConfiguration& configuration;
+    bool isSaved = true; ///< false on a first run, whose empty configuration nobody has saved
     const CustomProviderConfiguration& added;
     bool addedAreReadable = true;
     const ServiceDirectory& directory;

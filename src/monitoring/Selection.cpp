@@ -4,15 +4,16 @@
 
 namespace kestrin {
 
+bool isShown(const std::string& siteID, std::span<const SiteSnapshot> snapshots) {
+    return std::ranges::any_of(snapshots, [&](const SiteSnapshot& snapshot) { return snapshot.site.id == siteID; });
+}
+
 std::string reconciledSiteSelection(const std::string& selected,
     const std::optional<std::string>& previousActiveSiteID, const std::optional<std::string>& activeSiteID,
     std::span<const SiteSnapshot> snapshots) {
-    const auto isShown = [&](const std::string& id) {
-        return std::ranges::any_of(snapshots, [&](const SiteSnapshot& snapshot) { return snapshot.site.id == id; });
-    };
     const bool choiceChangedElsewhere = activeSiteID != previousActiveSiteID;
-    if (!selected.empty() && !choiceChangedElsewhere && isShown(selected)) return selected;
-    if (activeSiteID && isShown(*activeSiteID)) return *activeSiteID;
+    if (!selected.empty() && !choiceChangedElsewhere && isShown(selected, snapshots)) return selected;
+    if (activeSiteID && isShown(*activeSiteID, snapshots)) return *activeSiteID;
     return snapshots.empty() ? std::string() : snapshots.front().site.id;
 }
 

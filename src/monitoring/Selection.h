@@ -9,6 +9,8 @@
 
 namespace kestrin {
 
+[[nodiscard]] bool isShown(const std::string& siteID, std::span<const SiteSnapshot> snapshots);
+
 /// The website to select after a load. The user's selection stays while it exists, unless the stored choice was
 /// changed by somebody else since the load before; then, and when it is gone, the stored choice is taken, or else
 /// the first website, or else "" for none.

@@ -20,7 +20,7 @@ struct NotificationTargetContext {
 
 /// Whether decisions may be taken at all.
 struct NotificationTargetPolicy {
-    bool hasValidConfiguration = false; ///< a website configuration was loaded
+    bool hasValidConfiguration = false; ///< a saved website configuration was loaded
     bool targetsAreReadable = false;    ///< the configuration of every target could be read
 
     bool operator==(const NotificationTargetPolicy&) const = default;

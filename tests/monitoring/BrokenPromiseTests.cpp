@@ -66,6 +66,51 @@ TEST_F(ABrokenPromise, ofTheChecksIsToldAndTheLoopGoesOn) {
     expectThatCheckingGoesOn();
 }
 
+Task<std::vector<CheckRecord>> countedStart(int& starts) {
+    ++starts;
+    co_return std::vector<CheckRecord>();
+}
+
+Task<std::vector<ProviderCheckRecord>> breakingChecks() {
+    co_await currentContext();
+    throw std::runtime_error("the checks broke");
+}
+
+TEST_F(ABrokenPromise, ofAnOperationThatThrowsAtOnceLeavesTheOtherKindUnstarted) {
+    writeSites(configurationOf({"a"}));
+    AppModel::Collaborators others = collaborators();
+    int starts = 0;
+    others.checkRunner.performSiteChecks = [&](std::vector<SiteDefinition>) { return countedStart(starts); };
+    others.checkRunner.performProviderChecks =
+        [](std::vector<ProviderDefinition>) -> Task<std::vector<ProviderCheckRecord>> {
+        throw std::runtime_error("the checks broke");
+    };
+    model = std::make_unique<AppModel>(std::move(others));
+    settle();
+    model->checkNow();
+    settle();
+    EXPECT_EQ(model->operationError(), "The checks broke off: the checks broke");
+    EXPECT_EQ(starts, 0);
+    EXPECT_FALSE(model->isChecking());
+}
+
+TEST_F(ABrokenPromise, ofOneKindOfChecksCancelsTheOtherAndWaitsForIt) {
+    writeSites(configurationOf({"a"}));
+    AppModel::Collaborators others = collaborators();
+    others.checkRunner.performProviderChecks = [](std::vector<ProviderDefinition>) { return breakingChecks(); };
+    model = std::make_unique<AppModel>(std::move(others));
+    settle();
+    model->checkNow();
+    settle();
+    ASSERT_EQ(checks.siteCalls.size(), 1U);
+    EXPECT_TRUE(checks.siteCalls.at(0)->isCancelled());
+    EXPECT_TRUE(model->isChecking()) << "the cycle has ended while a check of it is in flight";
+    answerChecks();
+    EXPECT_EQ(model->operationError(), "The checks broke off: the checks broke");
+    EXPECT_TRUE(writer.appended.empty());
+    EXPECT_FALSE(model->isChecking());
+}
+
 TEST_F(ABrokenPromise, ofThreadsLetsALoadFailWithItsReasonAndLaterOnesSucceed) {
     writeSites(configurationOf({"a"}));
     loads.refuses = true;

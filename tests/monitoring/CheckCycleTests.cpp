@@ -116,10 +116,10 @@ TEST_F(CheckCycle, showsEachRecordAsSoonAsItIsWritten) {
     load(configurationOf({"a", "b"}));
     start();
     Words shown;
-    model->onChange = [&] {
+    const auto listening = model->onChange([&] {
         shown.push_back(std::to_string(snapshot("a").history.totalCheckCount) +
                         std::to_string(snapshot("b").history.totalCheckCount));
-    };
+    });
     answerChecks();
     EXPECT_EQ(shown.at(0), "10");
     EXPECT_EQ(shown.at(1), "11");

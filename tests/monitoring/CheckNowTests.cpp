@@ -196,5 +196,16 @@ TEST_F(CheckNow, asksTheServicesToo) {
     EXPECT_EQ(model->providerSnapshots().at(0).history.recentChecks.size(), 1U);
 }
 
+TEST_F(CheckNow, afterALoadThatFailedLoadsAgainFirst) {
+    answerChecksAtOnce();
+    writeSitesText("nonsense");
+    load();
+    writeSites(configurationOf({"a"}));
+    model->checkNow();
+    settle();
+    EXPECT_EQ(model->loadError(), std::nullopt);
+    EXPECT_EQ(writer.appended.size(), 1U);
+}
+
 } // namespace
 } // namespace kestrin

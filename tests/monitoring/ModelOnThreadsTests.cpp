@@ -42,6 +42,7 @@ TEST(ModelOnThreads, loadsChecksComparesAndEndsWithRealThreads) {
         .services = std::make_shared<KnownServices>(),
         .checkRunner = {},
         .notificationCoordinator = harness.notifications,
+        .tasks = harness.tasks,
         .mainExecutor = mainExecutor,
         .clock = harness.clock,
         .loadPool = pool,
@@ -54,20 +55,21 @@ TEST(ModelOnThreads, loadsChecksComparesAndEndsWithRealThreads) {
     std::unique_ptr<AppModel> model;
     std::promise<void> checkedTwice;
     bool reported = false;
+    ChangeListeners::Subscription listening;
     runOnMain(mainExecutor, [&] {
         model = std::make_unique<AppModel>(std::move(collaborators));
-        model->onChange = [&] {
+        listening = model->onChange([&] {
             const bool fresh = !model->snapshots().empty() && !model->isChecking() && !model->isLoading();
             if (!fresh || model->snapshots()[1].history.totalCheckCount < 1) return;
             if (model->snapshots()[1].history.totalCheckCount == 1) model->checkNow();
             if (model->snapshots()[1].history.totalCheckCount == 2 && !std::exchange(reported, true))
                 checkedTwice.set_value();
-        };
+        });
         model->startMonitoring();
     });
     checkedTwice.get_future().get();
     runOnMain(mainExecutor, [&] {
-        model->onChange = nullptr;
+        listening.end();
         EXPECT_EQ(model->snapshots()[0].history, harness.historyOnDisk("a"));
         model->refreshIfStateChanged();
         model->reload();

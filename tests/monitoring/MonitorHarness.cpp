@@ -121,6 +121,7 @@ MonitorHarness::~MonitorHarness() {
     EXPECT_EQ(checks.inFlight(), 0U) << "a check outlived the model";
     EXPECT_EQ(clock.timerCount(), 0U) << "a task still sleeps";
     EXPECT_EQ(main.waiting(), 0U);
+    EXPECT_EQ(tasks.size(), 0U) << "a task has not ended";
     std::error_code ignored;
     std::filesystem::remove_all(root, ignored);
 }
@@ -146,6 +147,7 @@ AppModel::Collaborators MonitorHarness::collaborators() {
         .services = services,
         .checkRunner = checks.runner(),
         .notificationCoordinator = notifications,
+        .tasks = tasks,
         .mainExecutor = main,
         .clock = clock,
         .loadPool = loads,

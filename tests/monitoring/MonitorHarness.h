@@ -47,6 +47,7 @@ public:
     ManualExecutor main;
     ManualPool loads;
     VirtualClock clock;
+    TaskScope tasks;
     ScriptedCheckRunner checks;
     FakeNotifications notifications;
     std::shared_ptr<FakeCustomProviders> customProviders = std::make_shared<FakeCustomProviders>();

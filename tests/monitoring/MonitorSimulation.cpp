@@ -27,7 +27,7 @@ MonitorSimulation::MonitorSimulation(std::uint32_t seed) : random_(seed) {
     harness_.writer.onAppend = [this](const std::string& timestamp) { noteAppend(timestamp); };
     if (below(4) > 0) harness_.writeSites(anyConfiguration());
     harness_.create();
-    harness_.model->onChange = [this] { noteChange(); };
+    listening_ = harness_.model->onChange([this] { noteChange(); });
 }
 
 std::string MonitorSimulation::run(int steps) {
@@ -40,7 +40,7 @@ std::string MonitorSimulation::run(int steps) {
     // What the harness runs while it winds up is no part of the course of events.
     harness_.checks.onCall = nullptr;
     harness_.writer.onAppend = nullptr;
-    harness_.model->onChange = nullptr;
+    listening_.end();
     if (broken_.empty()) return {};
     std::string report;
     for (const std::string& rule : broken_)

@@ -72,6 +72,7 @@ private:
 
     std::mt19937 random_;
     MonitorHarness harness_;
+    ChangeListeners::Subscription listening_;
     std::vector<std::string> steps_;
     std::vector<std::string> broken_;
 

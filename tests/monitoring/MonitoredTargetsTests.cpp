@@ -106,6 +106,15 @@ TEST(DescribingTargets, namesEveryWebsiteThenIncludedThenAddedServices) {
     EXPECT_EQ(described.describe().contexts[5].displayName, "Added provider-1");
 }
 
+TEST(DescribingTargets, givesTwoWebsitesWithOneIDOneContextThatOfTheFirst) {
+    Described described;
+    described.configuration = configurationOf({"a", "b", "a"});
+    described.configuration.sites[2].name = "Another";
+    described.configuration.providerStatus.providerIDs.clear();
+    EXPECT_EQ(described.names(), (Words{"website a", "website b"}));
+    EXPECT_EQ(described.describe().contexts[0].displayName, "Site a");
+}
+
 TEST(DescribingTargets, leavesOutIncludedServicesThatAreNotSelected) {
     Described described;
     described.configuration.providerStatus = {.enabled = true, .providerIDs = {"claude"}};
@@ -183,10 +192,10 @@ TEST_F(NotificationInputsOfTheModel, areEmptyWithoutAConfiguration) {
     EXPECT_TRUE(inputs.lease->isValid());
 }
 
-TEST_F(NotificationInputsOfTheModel, areOfAValidConfigurationOnAFirstRun) {
+TEST_F(NotificationInputsOfTheModel, areOfNoValidConfigurationOnAFirstRun) {
     load();
     const NotificationInputs inputs = model->notificationInputs();
-    EXPECT_TRUE(inputs.policy.hasValidConfiguration);
+    EXPECT_FALSE(inputs.policy.hasValidConfiguration);
     EXPECT_TRUE(inputs.policy.targetsAreReadable);
     ASSERT_EQ(inputs.contexts.size(), 2U) << "the default selection of services";
     EXPECT_FALSE(inputs.contexts[0].isEligible);

@@ -149,10 +149,42 @@ TEST_F(MonitoringLoop, neverMakesABusyLoopOfANegativeInterval) {
     EXPECT_EQ(clock.nextDeadline(), clock.now() + seconds(60));
 }
 
+TEST_F(MonitoringLoop, loadsAgainBeforeACycleAfterALoadThatFailed) {
+    answerChecksAtOnce();
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    ASSERT_EQ(writer.appended.size(), 1U);
+    // Damaged for a moment, and somebody opens the dashboard just then.
+    writeSitesText("nonsense");
+    model->refreshIfStateChanged();
+    settle();
+    ASSERT_TRUE(model->loadError().has_value());
+    advance(seconds(300));
+    EXPECT_TRUE(model->loadError().has_value()) << "the file is still damaged";
+    writeSites(configurationOf({"a"}));
+    for (int wake = 0; wake < 3; ++wake)
+        advance(seconds(300));
+    EXPECT_EQ(model->loadError(), std::nullopt);
+    EXPECT_EQ(writer.appended.size(), 4U);
+    EXPECT_TRUE(model->isMonitoring());
+}
+
+TEST_F(MonitoringLoop, startedAfterALoadThatFailedLoadsAgainFirst) {
+    answerChecksAtOnce();
+    writeSitesText("nonsense");
+    load();
+    writeSites(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    EXPECT_EQ(model->loadError(), std::nullopt);
+    EXPECT_EQ(writer.appended.size(), 1U);
+}
+
 TEST_F(MonitoringLoop, startedWithNothingToCheckGoesOnWakingAndNeverShowsAsChecking) {
     load();
     bool everChecking = false;
-    model->onChange = [&] { everChecking = everChecking || model->isChecking(); };
+    const auto listening = model->onChange([&] { everChecking = everChecking || model->isChecking(); });
     model->startMonitoring();
     settle();
     EXPECT_TRUE(model->isMonitoring());

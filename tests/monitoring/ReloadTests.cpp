@@ -335,7 +335,7 @@ TEST_F(Reload, announcesWhatChanged) {
     writeSites(configurationOf({"a"}));
     create();
     int announcements = 0;
-    model->onChange = [&] { ++announcements; };
+    const auto listening = model->onChange([&] { ++announcements; });
     settle();
     EXPECT_GE(announcements, 2) << "the result, and the end of loading";
 }

@@ -38,6 +38,72 @@ TEST_F(RefreshingWhenTheStateChanged, doesNotReloadAfterTheModelsOwnAppends) {
     }
 }
 
+TEST_F(RefreshingWhenTheStateChanged, doesNotReloadForLinesThatTheModelWroteDuringTheComparison) {
+    loadWithServices();
+    model->checkNow();
+    settle();
+    model->refreshIfStateChanged();
+    main.runUntilIdle();
+    ASSERT_EQ(loads.waiting(), 1U) << "the comparison is about to look";
+    const auto lease = model->notificationInputs().lease;
+    for (const auto& call : checks.siteCalls)
+        call->answer.give(checksOf(call->definitions));
+    for (const auto& call : checks.serviceCalls)
+        call->answer.give(serviceChecksOf(call->definitions));
+    main.runUntilIdle();
+    ASSERT_EQ(writer.appended.size(), 3U);
+    settle();
+    EXPECT_EQ(reloads(), 0U);
+    EXPECT_TRUE(lease->isValid());
+    refresh();
+    EXPECT_EQ(reloads(), 0U);
+}
+
+TEST_F(RefreshingWhenTheStateChanged, doesNotReloadForTheChoiceThatTheModelWroteDuringTheComparison) {
+    loadWithServices();
+    model->refreshIfStateChanged();
+    main.runUntilIdle();
+    model->selectSite("b");
+    settle();
+    EXPECT_EQ(reloads(), 0U);
+}
+
+TEST_F(RefreshingWhenTheStateChanged, reloadsForAForeignLineThatCameAlongWithTheModelsOwn) {
+    loadWithServices();
+    model->checkNow();
+    settle();
+    model->refreshIfStateChanged();
+    main.runUntilIdle();
+    for (const auto& call : checks.siteCalls)
+        call->answer.give(checksOf(call->definitions));
+    for (const auto& call : checks.serviceCalls)
+        call->answer.give(serviceChecksOf(call->definitions));
+    main.runUntilIdle();
+    (void)files.appendCheck(checkOf("b", false));
+    settle();
+    EXPECT_EQ(reloads(), 1U);
+    EXPECT_EQ(snapshot("b").history, historyOnDisk("b"));
+}
+
+TEST_F(RefreshingWhenTheStateChanged, atAnyMomentOfABusyCycleNeverReloadsForTheModelsOwnLines) {
+    // A cycle is due all the time, and the popover is opened after any number of steps of the main thread.
+    loadWithServices();
+    answerChecksAtOnce();
+    for (std::size_t steps = 0; steps < 60; ++steps) {
+        model->checkNow();
+        for (std::size_t step = 0; step < steps % 20 && main.runOne(); ++step) {
+        }
+        model->refreshIfStateChanged();
+        for (std::size_t step = 0; step < steps / 20 + 1 && main.runOne(); ++step) {
+        }
+        if (loads.waiting() > 0) loads.finish();
+        model->checkNow();
+        settle();
+        ASSERT_EQ(reloads(), 0U) << "after " << steps << " steps";
+    }
+    EXPECT_GT(writer.appended.size(), 60U);
+}
+
 TEST_F(RefreshingWhenTheStateChanged, reloadsAfterAForeignEditOfSites) {
     loadWithServices();
     writeSites(configurationOf({"c"}));

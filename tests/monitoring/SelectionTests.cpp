@@ -198,17 +198,93 @@ TEST_F(Selection, staysAsItWasWhenItCannotBeStored) {
     EXPECT_EQ(model->selectedSiteID(), "b");
 }
 
-TEST_F(Selection, storedWhileALoadReadsIsNotLost) {
+// While a load reads, a choice is shown at once and written afterwards.
+
+TEST_F(Selection, duringALoadIsShownAtOnceAndStoredOnceTheLoadHasEnded) {
     load(active({"a", "b"}, "a"));
     // The load has read everything but its second look when the user chooses.
     customProviders->onLoad = [&] {
-        if (customProviders->loads == 2) model->selectSite("b");
+        if (customProviders->loads != 2) return;
+        model->selectSite("b");
+        EXPECT_EQ(model->selectedSiteID(), "b");
+        EXPECT_TRUE(writer.saved.empty());
     };
     model->reload();
     settle();
-    EXPECT_EQ(customProviders->loads, 3) << "the load was repeated";
+    EXPECT_EQ(customProviders->loads, 2) << "the model's own write made the load repeat itself";
     EXPECT_EQ(model->selectedSiteID(), "b");
     EXPECT_EQ(model->configuration()->activeSiteID, "b");
+    EXPECT_EQ(reader.loadConfiguration().configuration().activeSiteID, "b");
+}
+
+TEST_F(Selection, madeTwiceDuringALoadDoesNotFailTheLoad) {
+    load(active({"a", "b", "c"}, "a"));
+    customProviders->onLoad = [&] { model->selectSite(customProviders->loads % 2 == 0 ? "b" : "c"); };
+    model->reload();
+    settle();
+    EXPECT_EQ(model->loadError(), std::nullopt);
+    EXPECT_EQ(model->selectedSiteID(), "b");
+    EXPECT_EQ(writer.saved.size(), 1U);
+}
+
+TEST_F(Selection, duringALoadOutlastsTheLoadsThatSupersedeIt) {
+    load(active({"a", "b"}, "a"));
+    model->reload();
+    main.runUntilIdle();
+    model->selectSite("b");
+    model->reload();
+    settle();
+    EXPECT_EQ(reader.loadConfiguration().configuration().activeSiteID, "b");
+}
+
+TEST_F(Selection, duringALoadWinsOverAChoiceThatTheLoadFinds) {
+    load(active({"a", "b", "c"}, "a"));
+    writeSites(active({"a", "b", "c"}, "c"));
+    model->reload();
+    main.runUntilIdle();
+    model->selectSite("b");
+    settle();
+    EXPECT_EQ(model->selectedSiteID(), "b");
+    EXPECT_EQ(reader.loadConfiguration().configuration().activeSiteID, "b");
+}
+
+TEST_F(Selection, duringALoadOfAWebsiteThatIsGoneAfterItIsForgotten) {
+    load(active({"a", "b"}, "a"));
+    writeSites(active({"a"}, "a"));
+    model->reload();
+    main.runUntilIdle();
+    model->selectSite("b");
+    settle();
+    EXPECT_EQ(model->selectedSiteID(), "a");
+    EXPECT_TRUE(writer.saved.empty());
+    writeSites(active({"a", "b"}, "a"));
+    model->reload();
+    settle();
+    EXPECT_EQ(model->selectedSiteID(), "a");
+}
+
+// A file that somebody else has written since the load.
+
+TEST_F(Selection, neverOverwritesAFileThatSomebodyElseHasWritten) {
+    load(active({"a", "b"}, "a"));
+    const SiteConfiguration theirs = active({"a", "b", "new"}, "a");
+    writeSites(theirs);
+    model->selectSite("b");
+    EXPECT_EQ(model->selectedSiteID(), "b");
+    settle();
+    EXPECT_EQ(reader.loadConfiguration().configuration(), theirs);
+    EXPECT_EQ(model->configuration(), theirs) << "their file was loaded";
+    EXPECT_EQ(model->selectedSiteID(), "b") << "the choice is kept in memory";
+    EXPECT_TRUE(writer.saved.empty());
+}
+
+TEST_F(Selection, doesNotBringBackAFileThatSomebodyElseHasRemoved) {
+    load(active({"a", "b"}, "a"));
+    removeSites();
+    model->selectSite("b");
+    settle();
+    EXPECT_FALSE(std::filesystem::exists(sitesPath()));
+    EXPECT_TRUE(model->isFirstRun());
 }
 
 TEST_F(Selection, showsTheSnapshotOfTheSelectedWebsite) {

@@ -51,8 +51,9 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
     if (!activationToken.empty() && QGuiApplication::platformName().startsWith("wayland"))
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
     if (opensWhenFocusIsLost(click, activationToken)) return;
+    // Also where it is open already: what it shows may have changed on the disk since.
+    if (onOpen) onOpen();
     if (!isVisible()) {
-        if (onOpen) onOpen();
         applyStyle();
         click_ = click;
         ensurePolished();
@@ -129,7 +130,11 @@ bool PopoverWindow::event(QEvent* event) {
 
 void PopoverWindow::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || style_ != Style::Popover) return;
+    if (event->type() != QEvent::ActivationChange) return;
+    if (style_ == Style::OrdinaryWindow) {
+        if (isActiveWindow() && isVisible() && onOpen) onOpen();
+        return;
+    }
     if (isBeingDismissed_ || !isVisible() || isActiveWindow()) return;
     dismiss();
     sinceFocusWasLost_.start();

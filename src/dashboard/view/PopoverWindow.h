@@ -24,6 +24,7 @@ public:
     /// Shows the window, or brings it forward.
     void open(std::optional<QPoint> click, const std::string& activationToken);
 
+    /// The user has come to the window: it is opened, brought forward or, where it stays open, active again.
     std::function<void()> onOpen;
 
 protected:

@@ -1,6 +1,7 @@
 #include "monitoring/application/AppDelegate.h"
 
 #include "dashboard/DashboardContent.h"
+#include "platform/EventProcessing.h"
 
 #include <QApplication>
 #include <chrono>
@@ -12,6 +13,7 @@ namespace {
 
 // A panel that starts along with the session takes a moment; only after it is there known to be none.
 constexpr std::chrono::seconds hostGracePeriod{5};
+constexpr std::chrono::seconds shutdownPatience{2};
 
 } // namespace
 
@@ -19,7 +21,7 @@ AppDelegate::AppDelegate(
     const std::filesystem::path& stateRoot, std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices)
     : formats_(LocaleFormats::fromEnvironment()), launchNotices_(std::move(launchNotices)),
       graph_(stateRoot, executor_, clock_), tray_(std::move(tray)) {
-    graph_.model().onChange = [this] { modelChanged(); };
+    modelChanges_ = graph_.model().onChange([this] { modelChanged(); });
     if (tray_) {
         connectTray();
         tray_->show();
@@ -118,10 +120,14 @@ void AppDelegate::startOrStop() {
 }
 
 bool AppDelegate::shutDown() {
+    hostGrace_.stop();
     if (tray_) tray_->hide();
-    graph_.model().onChange = nullptr;
+    modelChanges_.end();
     if (window_) window_->hide();
-    return graph_.shutDown([this] { executor_.drain(); });
+    const bool allEnded = graph_.shutDown(
+        [](const std::function<bool()>& isOver) { return processEventsUntil(isOver, shutdownPatience); });
+    executor_.drain();
+    return allEnded;
 }
 
 } // namespace kestrin

@@ -47,6 +47,7 @@ private:
     LocaleFormats formats_;
     std::vector<std::string> launchNotices_;
     MonitoringGraph graph_;
+    ChangeListeners::Subscription modelChanges_;
     std::unique_ptr<PopoverWindow> window_; ///< none before the first opening
     PopoverView* view_ = nullptr;           ///< owned by the window
     std::unique_ptr<TrayIcon> tray_;

@@ -49,8 +49,8 @@ struct MonitoringGraph::Checkers {
 };
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
-    : pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads), checkExecutor_(pool_),
-      clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
+    : mainExecutor_(mainExecutor), pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads),
+      checkExecutor_(pool_), clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
         return checkers().websites.checkWebsite(std::move(site), timeout);
     };
@@ -65,6 +65,7 @@ MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executo
         .services = std::make_shared<KnownServices>(),
         .checkRunner = liveCheckRunner(checkExecutor_, std::move(checkSite), std::move(checkService)),
         .notificationCoordinator = notifications_,
+        .tasks = tasks_,
         .mainExecutor = mainExecutor,
         .clock = clock,
         .loadPool = pool_,
@@ -83,22 +84,16 @@ const MonitoringGraph::Checkers& MonitoringGraph::checkers() {
     return *checkers_;
 }
 
-bool MonitoringGraph::shutDown(const std::function<void()>& drain) {
+bool MonitoringGraph::shutDown(const RunMainUntil& runMainUntil) {
     model_->shutdown();
     shutdown_.request_stop();
-    // What was cancelled ends in a few steps between the main thread and the pool's.
-    const auto deadline = std::chrono::steady_clock::now() + shutdownPatience;
-    bool workEnded = false;
-    do {
-        drain();
-        workEnded = pool_.waitUntilIdle(shutdownPatience);
-        drain();
-    } while (!(workEnded && pool_.waitUntilIdle(std::chrono::milliseconds(0))) &&
-             std::chrono::steady_clock::now() < deadline);
+    tasks_.cancel();
+    const TaskHandle<> end = spawn(mainExecutor_, tasks_.join());
+    const bool tasksEnded = runMainUntil([&end] { return end.done(); });
     // A look-up that hangs ends with the process; otherwise its threads are gone before anything that they use.
     const bool lookupsEnded =
         resolverPool_.waitUntilIdle(std::chrono::milliseconds(0)) && resolverPool_.shutDown(shutdownPatience);
-    return pool_.shutDown(shutdownPatience) && workEnded && lookupsEnded;
+    return pool_.shutDown(shutdownPatience) && tasksEnded && lookupsEnded;
 }
 
 } // namespace kestrin

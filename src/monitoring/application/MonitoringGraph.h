@@ -5,9 +5,11 @@
 #include "notifications/InertNotifications.h"
 #include "state/StateWriter.h"
 #include "tasks/SerialExecutor.h"
+#include "tasks/TaskScope.h"
 #include "tasks/ThreadPool.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <stop_token>
@@ -15,7 +17,7 @@
 namespace kestrin {
 
 /// Everything behind the model, built at launch in the order in which the pieces need each other and taken down in
-/// a set order: cancel, drain, then the pools. Main thread.
+/// a set order: cancel, wait for every task, then the pools. Main thread.
 class MonitoringGraph {
 public:
     /// `mainExecutor` and `clock` outlive the graph.
@@ -24,9 +26,12 @@ public:
 
     [[nodiscard]] AppModel& model() { return *model_; }
 
-    /// Stops the model and waits for its tasks, draining the main executor by `drain`. False when a name resolution
-    /// is stuck: its thread still runs, and the process must then end without running destructors.
-    [[nodiscard]] bool shutDown(const std::function<void()>& drain);
+    /// Lets the main thread's work go on until a condition holds, or gives up and returns false.
+    using RunMainUntil = std::function<bool(const std::function<bool()>& isOver)>;
+
+    /// Cancels every task and waits until all have ended. False when a name resolution is stuck: its thread still
+    /// runs, and the process must then end without running destructors.
+    [[nodiscard]] bool shutDown(const RunMainUntil& runMainUntil);
 
 private:
     /// What checks, over one transport.
@@ -34,6 +39,7 @@ private:
     /// Made by the first check, on whatever thread that runs.
     [[nodiscard]] const Checkers& checkers();
 
+    Executor& mainExecutor_;
     ThreadPool pool_;
     ThreadPool resolverPool_;
     SerialExecutor checkExecutor_;
@@ -44,6 +50,7 @@ private:
     std::unique_ptr<Checkers> checkers_;
     StateWriter writer_;
     InertNotifications notifications_;
+    TaskScope tasks_; ///< the outermost one: the program has ended when it is empty
     std::unique_ptr<AppModel> model_;
 };
 
