@@ -3,11 +3,16 @@
 #include "tasks/CancellationError.h"
 #include "tasks/Offload.h"
 
+#include <algorithm>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <utility>
 
 namespace kestrin {
+
+/// The lookups that were left behind and have not returned, by host, with the instant at which each began.
+using LeftBehind = std::multimap<std::string, Instant>;
 
 struct BackgroundResolver::Shared {
     BlockingPool& pool;
@@ -17,41 +22,51 @@ struct BackgroundResolver::Shared {
     std::size_t maximumAbandoned;
 
     std::mutex mutex;
-    std::size_t abandoned = 0;
+    LeftBehind leftBehind;
 
     Shared(BlockingPool& threads, std::shared_ptr<NameResolver> names, Clock& time, std::stop_token end,
         std::size_t maximum)
         : pool(threads), resolver(std::move(names)), clock(time), shutdown(std::move(end)),
           maximumAbandoned(maximum) {}
 
-    [[nodiscard]] bool mayStart() {
+    [[nodiscard]] std::size_t abandoned() {
         const std::lock_guard guard(mutex);
-        return abandoned < maximumAbandoned;
+        return leftBehind.size();
+    }
+    [[nodiscard]] bool hasRoom() { return abandoned() < maximumAbandoned; }
+
+    /// Asking such a host again would only leave another thread behind, cycle after cycle.
+    [[nodiscard]] bool hangs(const std::string& host) {
+        const Instant now = clock.now();
+        const std::lock_guard guard(mutex);
+        const auto [first, last] = leftBehind.equal_range(host);
+        return std::any_of(first, last, [now](const auto& left) { return now - left.second >= longestWait; });
     }
 };
 
 /// One resolution, shared by the thread that runs it and the coroutine that waits.
 class BackgroundResolver::Lookup {
 public:
-    Lookup(std::shared_ptr<Shared> shared, std::string host) : shared_(std::move(shared)), host_(std::move(host)) {}
+    Lookup(std::shared_ptr<Shared> shared, std::string host, Instant began)
+        : shared_(std::move(shared)), host_(std::move(host)), began_(began) {}
 
     void abandon() {
         const std::lock_guard guard(shared_->mutex);
-        abandoned_ = true;
-        if (!returned_) ++shared_->abandoned;
+        isAbandoned_ = true;
+        if (!hasReturned_) entry_ = shared_->leftBehind.emplace(host_, began_);
     }
 
     /// The resolution has ended, or will never run.
     void markReturned() {
         const std::lock_guard guard(shared_->mutex);
-        returned_ = true;
-        if (abandoned_) --shared_->abandoned;
+        hasReturned_ = true;
+        if (isAbandoned_) shared_->leftBehind.erase(entry_);
     }
 
     DNSResolution run() {
         {
             const std::lock_guard guard(shared_->mutex);
-            if (abandoned_) return {};
+            if (isAbandoned_) return {};
         }
         return shared_->resolver->resolve(host_);
     }
@@ -72,20 +87,24 @@ public:
     };
 
 private:
-    std::shared_ptr<Shared> shared_;
-    std::string host_;
-    bool abandoned_ = false; // both under the shared mutex
-    bool returned_ = false;
+    const std::shared_ptr<Shared> shared_;
+    const std::string host_;
+    const Instant began_;
+    bool isAbandoned_ = false; // these three under the shared mutex
+    bool hasReturned_ = false;
+    LeftBehind::iterator entry_; // while abandoned and not returned
 };
 
 namespace {
-
-constexpr const char* tooManyAbandoned = "DNS: Too many earlier lookups have not returned";
 
 DNSResolution failure(const char* error) {
     DNSResolution resolution;
     resolution.error = error;
     return resolution;
+}
+
+DNSResolution didNotReturn() {
+    return failure("DNS: The lookup did not return");
 }
 
 /// Requests a stop at an instant, unless it goes first.
@@ -118,23 +137,17 @@ Task<std::optional<DNSResolution>> BackgroundResolver::resolveHostUntil(std::str
 }
 
 std::size_t BackgroundResolver::abandonedCount() const {
-    const std::lock_guard guard(shared_->mutex);
-    return shared_->abandoned;
+    return shared_->abandoned();
 }
 
 Task<DNSResolution> BackgroundResolver::resolve(std::shared_ptr<Shared> shared, std::optional<std::string> host) {
     if (!host || host->empty()) co_return failure("Invalid host");
     if (shared->shutdown.stop_requested()) throw CancellationError();
-    if (!shared->mayStart()) co_return failure(tooManyAbandoned);
-
-    auto lookup = std::make_shared<Lookup>(shared, std::move(*host));
-    Lookup::Work work(lookup);
-    auto waiting = offloadOrAbandon(shared->pool, std::move(work), shared->shutdown);
+    if (!shared->hasRoom() || shared->hangs(*host)) co_return didNotReturn();
+    // Not the task's own token: its cancellation does not end this wait.
+    auto waiting = lookUp(shared, std::move(*host), Instant::max(), std::stop_token());
     std::optional<DNSResolution> resolution = co_await std::move(waiting);
-    if (!resolution) {
-        lookup->abandon();
-        throw CancellationError();
-    }
+    if (!resolution) co_return didNotReturn();
     co_return std::move(*resolution);
 }
 
@@ -143,21 +156,30 @@ Task<std::optional<DNSResolution>> BackgroundResolver::resolveUntil(
     const TaskContext context = co_await currentContext();
     if (context.isCancelled() || shared->shutdown.stop_requested()) throw CancellationError();
     if (shared->clock.now() >= deadline) co_return std::nullopt;
-    if (!shared->mayStart()) co_return failure(tooManyAbandoned);
+    if (!shared->hasRoom()) co_return didNotReturn();
+    if (shared->hangs(host)) co_return std::nullopt;
+    auto waiting = lookUp(shared, std::move(host), deadline, context.stopToken);
+    std::optional<DNSResolution> resolution = co_await std::move(waiting);
+    co_return resolution;
+}
 
+/// Leaves the resolution behind at `deadline`, after the longest wait and upon `cancellation`.
+Task<std::optional<DNSResolution>> BackgroundResolver::lookUp(
+    std::shared_ptr<Shared> shared, std::string host, Instant deadline, std::stop_token cancellation) {
     const std::stop_source giveUp;
     const auto stop = [source = giveUp]() mutable { source.request_stop(); };
-    const std::stop_callback<std::function<void()>> onCancellation(context.stopToken, stop);
+    const std::stop_callback<std::function<void()>> onCancellation(cancellation, stop);
     const std::stop_callback<std::function<void()>> onShutdown(shared->shutdown, stop);
-    const StopAt onDeadline(shared->clock, deadline, giveUp);
+    const Instant began = shared->clock.now();
+    const StopAt onDeadline(shared->clock, std::min(deadline, began + longestWait), giveUp);
 
-    auto lookup = std::make_shared<Lookup>(shared, std::move(host));
+    auto lookup = std::make_shared<Lookup>(shared, std::move(host), began);
     Lookup::Work work(lookup);
     auto waiting = offloadOrAbandon(shared->pool, std::move(work), giveUp.get_token());
     std::optional<DNSResolution> resolution = co_await std::move(waiting);
     if (!resolution) {
         lookup->abandon();
-        if (context.isCancelled() || shared->shutdown.stop_requested()) throw CancellationError();
+        if (cancellation.stop_requested() || shared->shutdown.stop_requested()) throw CancellationError();
     }
     co_return resolution;
 }

@@ -29,8 +29,8 @@ public:
     WebsiteChecker(FreshHTTPClient client, BackgroundResolver resolver, Clock& clock, WallClock wallClock);
 
     /// Always gives a record, never throws: whatever went wrong, a cancellation included, is in the record. The
-    /// record of a cancelled check comes no sooner than the name resolution in progress. `elapsedMS` counts from
-    /// here.
+    /// record of a cancelled check comes when the name resolution in progress ends or has been given up.
+    /// `elapsedMS` counts from here.
     [[nodiscard]] Task<CheckRecord> checkWebsite(SiteDefinition site, std::chrono::milliseconds timeout) const;
 
 private:

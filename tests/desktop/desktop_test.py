@@ -28,6 +28,8 @@ from virtual_desktop import VirtualDesktop, wait_until
 # The machine may be compiling: a wait that ends late is no failure, one that never ends is.
 PATIENCE = 60
 PROGRAM = None
+# A name server that says nothing is waited for longer than any test lasts.
+PATIENT_RESOLVER = "nameserver 192.88.99.12\noptions timeout:30 attempts:5\n"
 
 
 _desktop = None
@@ -87,6 +89,13 @@ class DesktopTest(unittest.TestCase):
         if self.program and self.program.poll() is None:
             self.program.send_signal(signal.SIGKILL)
             self.program.wait()
+
+    def let_silent_names_hang(self):
+        """Until the end of the test, asking for a name that is answered by silence takes 150 seconds."""
+        resolver = self.data / "resolv.conf"
+        resolver.write_text(PATIENT_RESOLVER)
+        subprocess.run(["mount", "--bind", resolver, "/etc/resolv.conf"], check=True)
+        self.addCleanup(subprocess.run, ["umount", "/etc/resolv.conf"], check=True)
 
     def exit_code(self, timeout=PATIENCE):
         return self.program.wait(timeout)

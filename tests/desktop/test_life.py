@@ -5,7 +5,6 @@ import contextlib
 import os
 import pathlib
 import signal
-import subprocess
 
 import desktop_test
 import logs
@@ -13,8 +12,6 @@ from desktop_test import PATIENCE
 from virtual_desktop import wait_until
 
 AT_ONCE = 5
-# No answer for longer than any test waits.
-HANGING_RESOLVER = "nameserver 192.88.99.12\noptions timeout:30 attempts:5\n"
 SILENT_NAME = "name-silent.lab.kestrin-test.example"
 
 
@@ -93,10 +90,7 @@ class Quitting(desktop_test.DesktopTest):
         self.assertEqual(self.history_sizes(), {})
 
     def test_a_name_server_that_says_nothing_does_not_hold_it_up(self):
-        resolver = self.data / "resolv.conf"
-        resolver.write_text(HANGING_RESOLVER)
-        subprocess.run(["mount", "--bind", resolver, "/etc/resolv.conf"], check=True)
-        self.addCleanup(subprocess.run, ["umount", "/etc/resolv.conf"], check=True)
+        self.let_silent_names_hang()
         self.write_sites("name-silent")
         before = logs.lookups(SILENT_NAME)
         self.start_program()

@@ -141,6 +141,54 @@ TEST(CheckingAServiceForReal, atTheProgramsEndDoesNotWaitForAStuckLookup) {
     EXPECT_EQ(check.take().error, "Cancelled");
 }
 
+TEST(CheckingAServiceForReal, whoseNameHangsEndsAfterThirtySecondsAndSaysSo) {
+    LiveLab lab;
+    const auto check = lab.startCheck();
+    lab.clock.advance(30s);
+    lab.runExecutors();
+    ASSERT_TRUE(check.done());
+    const ProviderCheckRecord record = check.take();
+    EXPECT_EQ(record.error,
+        "Private or reserved network destination blocked: " + lab.host + ": DNS: The lookup did not return");
+    EXPECT_EQ(record.failureCategory, Category::unsafeDestination);
+    EXPECT_EQ(record.elapsedMS, 30'000);
+    EXPECT_THAT(lab.contacted(), IsEmpty());
+
+    const auto again = lab.startCheck();
+    ASSERT_TRUE(again.done()) << "a name that hangs is not asked again";
+    EXPECT_EQ(again.take().error, record.error);
+    EXPECT_EQ(lab.resolver.abandonedCount(), 1U);
+    lab.finishLookup();
+    lab.answers(200, LiveLab::documentOf(200));
+    EXPECT_EQ(lab.record().state, ProviderState::operational);
+}
+
+TEST(CheckingAServiceForReal, whoseNameHangsEndsAfterThirtySecondsAlsoWhenCancelled) {
+    LiveLab lab;
+    const auto check = lab.startCheck();
+    check.cancel();
+    lab.clock.advance(30s);
+    lab.runExecutors();
+    ASSERT_TRUE(check.done());
+    EXPECT_EQ(check.take().error, "Cancelled");
+}
+
+TEST(PreviewingForReal, aPageWhoseNameHangsIsUnreachableAfterThirtySeconds) {
+    LiveLab lab;
+    const auto preview = lab.start(previewCustomProvider(
+        lab.service.publicStatusURL.text, liveProviderCheckDependencies(lab.client, lab.resolver), 15s));
+    lab.clock.advance(30s);
+    lab.runExecutors();
+    ASSERT_TRUE(preview.done());
+    try {
+        static_cast<void>(preview.take());
+        FAIL() << "there is a preview";
+    } catch (const ProviderPreviewError& error) {
+        EXPECT_EQ(error.category, Category::unreachable);
+        EXPECT_EQ(error.details, "DNS: The lookup did not return");
+    }
+}
+
 TEST(PreviewingForReal, probesOneFormatAfterTheOtherUnderItsOwnPolicy) {
     LiveLab lab;
     lab.internet.redirect(lab.host, {"/summary.json"});
