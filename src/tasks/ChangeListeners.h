@@ -7,8 +7,8 @@
 
 namespace kestrin {
 
-/// Who wants to hear that a model has changed. One thread. A listener may add and remove listeners: one that is added
-/// while a change is announced hears of the next, one that is removed hears nothing more.
+/// Who wants to hear that a model has changed. One thread. A listener may add and remove listeners: one that is
+/// added while a change is announced hears of the next, one that is removed hears nothing more.
 class ChangeListeners {
     struct Listener {
         std::function<void()> call;

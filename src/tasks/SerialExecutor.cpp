@@ -33,39 +33,18 @@ struct SerialExecutor::Queue {
     }
 };
 
-/// What the pool holds. The queue is run all the same when the pool drops it.
-class SerialExecutor::Turn {
-public:
-    explicit Turn(std::shared_ptr<Queue> queue) : queue_(std::move(queue)) {}
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-    ~Turn() {
-        if (!hasRun_) queue_->drain();
-    }
-    void run() {
-        hasRun_ = true;
-        queue_->drain();
-    }
-
-private:
-    std::shared_ptr<Queue> queue_;
-    bool hasRun_ = false;
-};
-
 SerialExecutor::SerialExecutor(BlockingPool& pool) : queue_(std::make_shared<Queue>(this)), pool_(pool) {}
 SerialExecutor::~SerialExecutor() = default;
 
 void SerialExecutor::post(std::function<void()> work) noexcept {
-    {
-        const std::lock_guard guard(queue_->mutex);
-        queue_->work.push_back(std::move(work));
-        if (std::exchange(queue_->running, true)) return;
-    }
-    auto turn = std::make_shared<Turn>(queue_);
+    const std::lock_guard guard(queue_->mutex);
+    queue_->work.push_back(std::move(work));
+    if (queue_->running) return;
     try {
-        pool_.run([turn = std::move(turn)] { turn->run(); });
+        pool_.runTurn([queue = queue_] { queue->drain(); });
+        queue_->running = true;
     } catch (const std::exception&) {
-        // No thread could be had. The turn was dropped on the way here, so the work has run and nothing is lost.
+        // No thread could be had. The work keeps its place, and the next post asks again.
     }
 }
 

@@ -8,9 +8,8 @@
 namespace kestrin {
 
 /// A serial owner of its own without a thread of its own: what is posted runs in order on the pool's threads, which
-/// are asked for only while there is something to run. Any thread. Where the pool has ended or has no thread to
-/// give, the work runs on the thread that posts or drops it, inside `post` if need be: tasks that outlast their
-/// pool still come to their end. So nobody posts while holding a lock that the work may want.
+/// are asked for only while there is something to run. Any thread. A pool without any thread to give lets the work
+/// wait until the next post; one with a standing thread always has one.
 class SerialExecutor : public Executor {
 public:
     explicit SerialExecutor(BlockingPool& pool);
@@ -22,7 +21,6 @@ public:
 
 private:
     struct Queue;
-    class Turn;
     std::shared_ptr<Queue> queue_;
     BlockingPool& pool_;
 };

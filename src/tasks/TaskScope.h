@@ -15,7 +15,8 @@ namespace kestrin {
 
 /// Owns tasks: starts them, cancels them together and knows when the last one has ended. A scope inside another is
 /// cancelled along with it, and its tasks count in both, so the program ends when its outermost scope is empty.
-/// Destroying a scope cancels its tasks without waiting; what they use must outlive them, so join first. Any thread.
+/// Destroying a scope cancels its tasks without waiting; what they use must outlive them, so join first. Any
+/// thread.
 class TaskScope {
 public:
     TaskScope();

@@ -1,7 +1,9 @@
 #include "tasks/ThreadPool.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <system_error>
@@ -10,6 +12,11 @@
 #include <vector>
 
 namespace kestrin {
+
+struct ThreadPool::Work {
+    std::function<void()> piece;
+    bool isTurn = false; ///< it is never dropped
+};
 
 struct ThreadPool::State {
     State(std::size_t maximum, std::chrono::milliseconds idleBeforeEnd, std::size_t standing)
@@ -21,7 +28,7 @@ struct ThreadPool::State {
     std::mutex mutex;
     std::condition_variable workArrived;
     std::condition_variable workEnded;
-    std::deque<std::function<void()>> waiting;
+    std::deque<Work> waiting;
     std::size_t threads = 0;
     std::size_t idle = 0;
     bool closed = false;
@@ -46,7 +53,7 @@ struct ThreadPool::State {
                 --idle;
             }
             if (waiting.empty()) break;
-            std::function<void()> work = std::move(waiting.front());
+            std::function<void()> work = std::move(waiting.front().piece);
             waiting.pop_front();
             lock.unlock();
             work();
@@ -100,22 +107,27 @@ ThreadPool::~ThreadPool() {
 }
 
 void ThreadPool::run(std::function<void()> work) {
+    submit({.piece = std::move(work), .isTurn = false});
+}
+
+void ThreadPool::runTurn(std::function<void()> turn) {
+    submit({.piece = std::move(turn), .isTurn = true});
+}
+
+void ThreadPool::submit(Work work) {
     std::vector<std::thread> ended;
-    // Destroyed without the lock: whoever waits for the work goes on, and may want something of this pool.
-    std::function<void()> dropped;
     {
         const std::lock_guard guard(state_->mutex);
         ended.swap(state_->ended);
-        if (state_->closed)
-            dropped = std::move(work);
-        else
-            hire(work);
+        if (!state_->closed || work.isTurn) hire(work);
     }
+    // What was not taken is dropped here, without the lock: whoever waits for it may want something of this pool.
+    work = {};
     State::join(std::move(ended));
 }
 
 // Takes the work, or throws and leaves it to the caller.
-void ThreadPool::hire(std::function<void()>& work) {
+void ThreadPool::hire(Work& work) {
     state_->waiting.push_back(std::move(work));
     if (state_->isTakenByWorker()) return;
     state_->workArrived.notify_one();
@@ -142,7 +154,10 @@ void ThreadPool::startThread() {
 bool ThreadPool::shutDown(std::chrono::milliseconds patience) {
     std::unique_lock lock(state_->mutex);
     state_->closed = true;
-    std::deque<std::function<void()>> dropped = std::exchange(state_->waiting, {});
+    const auto turns =
+        std::ranges::partition(state_->waiting, [](const Work& work) { return !work.isTurn; }).begin();
+    std::vector<Work> dropped(std::make_move_iterator(state_->waiting.begin()), std::make_move_iterator(turns));
+    state_->waiting.erase(state_->waiting.begin(), turns);
     state_->workArrived.notify_all();
     // Whoever waited for it goes on now, without the lock.
     lock.unlock();

@@ -26,9 +26,11 @@ public:
     /// After `shutDown` began, work is dropped unrun. Throws `std::system_error`, and drops the work, when there is
     /// no thread at all.
     void run(std::function<void()> work) override;
+    void runTurn(std::function<void()> turn) override;
 
-    /// Takes no more work, drops what waits and waits at most `patience` for what runs. True when nothing is left
-    /// running; otherwise threads are stuck and the process must end without running destructors.
+    /// Takes no more work but turns, drops what waits but turns, and waits at most `patience` for what runs. True
+    /// when nothing is left running; otherwise threads are stuck and the process must end without running
+    /// destructors.
     [[nodiscard]] bool shutDown(std::chrono::milliseconds patience);
 
     /// Waits at most `patience` until nothing runs and nothing waits; work that comes later is another matter.
@@ -39,7 +41,9 @@ public:
 
 private:
     struct State;
-    void hire(std::function<void()>& work);
+    struct Work;
+    void submit(Work work);
+    void hire(Work& work);
     void startThread();
 
     std::shared_ptr<State> state_;

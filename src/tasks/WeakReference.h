@@ -6,7 +6,8 @@
 namespace kestrin {
 
 /// A task's way to an object that it does not own. `get` gives the object, or null once it is gone, and is called
-/// on the object's thread only; the pointer is good until the next `co_await`. Copies may be destroyed on any thread.
+/// on the object's thread only; the pointer is good until the next `co_await`. Copies may be destroyed on any
+/// thread.
 template <class T> class WeakReference {
 public:
     explicit WeakReference(std::shared_ptr<T* const> place) : place_(std::move(place)) {}

@@ -4,6 +4,7 @@
 #include "services/ProviderAdapters.h"
 #include "services/ProviderChecker.h"
 #include "services/ServiceCatalog.h"
+#include "tasks/CancellationError.h"
 #include "tasks/SerialExecutor.h"
 #include "tasks/ThreadPool.h"
 
@@ -31,6 +32,8 @@ Task<> notePreview(Task<CustomProviderPreview> preview, std::string& outcome, st
         outcome = std::string(title(shown.state)) + " at " + shown.endpoint.text;
     } catch (const MessageError& error) {
         outcome = error.message;
+    } catch (const CancellationError& error) {
+        outcome = error.what();
     }
     ended.count_down();
 }

@@ -10,8 +10,8 @@
 namespace kestrin {
 namespace {
 
-// Each of these would resume, destroy or read something twice or too early. The process ends with a sentence instead,
-// in every build.
+// Each of these would resume, destroy or read something twice or too early. The process ends with a sentence
+// instead, in every build.
 
 Task<int> one() {
     co_return 1;

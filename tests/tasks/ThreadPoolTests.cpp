@@ -327,6 +327,25 @@ TEST(AShutDownPool, dropsWhatWaitsAndWaitsForWhatRuns) {
     EXPECT_EQ(stuck.left->count(), 1);
 }
 
+TEST(AShutDownPool, keepsTurnsThatWaitAndTakesMoreOfThem) {
+    ThreadPool pool(1);
+    Stuck stuck;
+    pool.run(stuck.work());
+    EXPECT_TRUE(stuck.entered->waitFor(1));
+    Events turns;
+    pool.run([] { ADD_FAILURE() << "waiting work ran in spite of the shutdown"; });
+    pool.runTurn([&turns] { turns.happen(); });
+    EXPECT_FALSE(pool.shutDown(noPatience));
+    pool.runTurn([&turns] { turns.happen(); });
+    EXPECT_EQ(turns.count(), 0);
+    stuck.release.set_value();
+    EXPECT_TRUE(turns.waitFor(2));
+    EXPECT_TRUE(pool.shutDown(generous));
+    pool.runTurn([&turns] { turns.happen(); });
+    EXPECT_TRUE(turns.waitFor(3)) << "no thread was left";
+    EXPECT_TRUE(pool.shutDown(generous));
+}
+
 TEST(AShutDownPool, tellsWhileAPieceIsStuckAndNoLongerOnceItReturned) {
     ThreadPool pool(2);
     Stuck stuck;
