@@ -1,5 +1,6 @@
 #include "model/MessageError.h"
 #include "probing/ProbingLab.h"
+#include "tasks/CancellationError.h"
 
 #include <gtest/gtest.h>
 
