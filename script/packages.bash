@@ -15,6 +15,7 @@ packages_for_virtual_desktop=(
 packages_for_lab=(python3 iproute2 util-linux nginx-light openssl curl ca-certificates libc-bin)
 packages_to_test=(libgtest-dev libgmock-dev librapidcheck-dev strace)
 packages_to_sanitize=(clang-19 libclang-rt-19-dev libfuzzer-19-dev)
+packages_for_newcomer=(debootstrap git util-linux)
 packages_to_lint=(clang-format-19 clang-tidy-19 clang-19)
 
 # install_packages PACKAGE...: says what is missing, installs it, and says nothing when nothing is.

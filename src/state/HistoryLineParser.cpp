@@ -84,6 +84,8 @@ bool HistoryLineParser::readStrings(const HistoryLineField& field, std::vector<s
 }
 
 HistoryLineParser::Value HistoryLineParser::parse(std::string_view text) {
+    constexpr char beginningOfAByteOrderMark = '\xEF'; // simdjson skips the mark from 3.12 on, JSON forbids it
+    if (text.starts_with(beginningOfAByteOrderMark)) return std::nullopt;
     large_.reset();
     dom::parser& parser = text.size() <= ordinaryBytes ? ordinary_ : large_.emplace();
     dom::element element;

@@ -6,9 +6,8 @@ on, so connect(desktop.env) comes first. A control that went away while it was l
 
 import os
 
-from virtual_desktop import wait_until
-
-APPLICATION = "kestrin"
+# Newer releases of the accessibility library call some roles otherwise. Here one vocabulary holds for all.
+ROLES = {"push button": "button"}
 _atspi = None
 
 
@@ -45,7 +44,8 @@ def _name(node):
 
 def _role(node):
     try:
-        return node.getRoleName()
+        role = node.getRoleName()
+        return ROLES.get(role, role)
     except Exception:
         return ""
 
@@ -54,9 +54,25 @@ def applications():
     return _children(_atspi.Registry.getDesktop(0))
 
 
-def find_application(name=APPLICATION):
-    """The running program, or None."""
-    return next((node for node in applications() if _name(node).lower() == name.lower()), None)
+def _process(node):
+    try:
+        return node.get_process_id()
+    except Exception:
+        return None
+
+
+def _toolkit(node):
+    try:
+        return node.get_toolkit_name()
+    except Exception:
+        return None
+
+
+def application_of(process_id):
+    """The accessible root of a running program, or None. Libraries that a Qt program loads may register further,
+    empty applications for it."""
+    own = [node for node in applications() if _process(node) == process_id]
+    return next((node for node in own if _toolkit(node) == "Qt"), None) or next(filter(_children, own), None)
 
 
 def windows(application):
@@ -78,16 +94,8 @@ def find_all(root, name=None, role=None, showing=True):
 
 
 def find(root, name=None, role=None, showing=True):
-    """The first control of that accessible name and role ("push button", "check box", "label"...), or None."""
+    """The first control of that accessible name and role ("button", "check box", "label"...), or None."""
     return next(iter(find_all(root, name, role, showing)), None)
-
-
-def wait_for(root, name=None, role=None, timeout=30):
-    return wait_until(lambda: find(root, name, role), timeout, f"a control {name!r} of role {role!r}")
-
-
-def wait_for_application(name=APPLICATION, timeout=30):
-    return wait_until(lambda: find_application(name), timeout, f"the application {name!r}")
 
 
 def _has_state(node, state):

@@ -3,7 +3,6 @@
 import contextlib
 
 import desktop_test
-from virtual_desktop import wait_until
 
 
 class BuslessTest(desktop_test.DesktopTest):
@@ -27,7 +26,7 @@ class BuslessTest(desktop_test.DesktopTest):
             self.desktop.press_key("Tab")
             self.desktop.press_key("space")
             with contextlib.suppress(TimeoutError):
-                wait_until(condition, 4)
+                self.wait_until(condition, "an effect", 4)
                 return
         self.fail("no control had the effect")
 

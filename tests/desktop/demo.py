@@ -5,7 +5,8 @@ import os
 import subprocess
 import sys
 
-from virtual_desktop import VirtualDesktop, wait_until
+from shown_program import ShownProgram
+from virtual_desktop import VirtualDesktop
 import accessible
 
 LAB = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "lab")
@@ -18,19 +19,12 @@ def main():
     with VirtualDesktop() as desktop:
         state = os.path.join(desktop.env["XDG_DATA_HOME"], "Kestrin")
         subprocess.run([os.path.join(LAB, "write_sites"), state, "--only", *SITES], check=True)
-        desktop.start_panel()
-        desktop.spawn(["dunst"])
-        desktop.spawn([program], "kestrin")
-        wait_until(lambda: "StatusNotifierItem" in desktop.tray_items(), what="the icon in the panel")
-        desktop.run([program])  # a second start opens the dashboard of the first
-
-        accessible.connect(desktop.env)
-        application = accessible.wait_for_application()
+        kestrin = ShownProgram(desktop, program)
         print("Pressing Start...", flush=True)
-        accessible.press(accessible.wait_for(application, "Start", "push button"))
+        accessible.press(kestrin.wait_for_button("Start"))
         histories = [os.path.join(state, "data", name + ".jsonl") for name in SITES]
-        wait_until(lambda: all(os.path.exists(path) for path in histories), 90, "the first cycle")
-        accessible.wait_for(application, "Check now", "push button")
+        kestrin.wait_until(lambda: all(os.path.exists(path) for path in histories), "the first cycle", 90)
+        kestrin.wait_for_button("Check now")
         for path in histories:
             with open(path, encoding="utf-8") as file:
                 print(file.read(), end="")

@@ -23,7 +23,7 @@ sys.path.insert(0, str(LAB))
 import accessible
 import scenarios
 from panel_icon import PanelIcon
-from virtual_desktop import VirtualDesktop, wait_until
+from virtual_desktop import VirtualDesktop
 
 # The machine may be compiling: a wait that ends late is no failure, one that never ends is.
 PATIENCE = 60
@@ -78,7 +78,7 @@ class DesktopTest(unittest.TestCase):
             env.pop(name, None)
         self.program = self.desktop.spawn([PROGRAM], self.data.name, env=env)
         if self.panel if wait is None else wait:
-            wait_until(lambda: self.icon_is_there() or self.program.poll() is not None, PATIENCE, "the icon")
+            self.wait_until(self.icon_is_there, "the icon")
         return self.program
 
     def start_again(self):
@@ -103,6 +103,11 @@ class DesktopTest(unittest.TestCase):
     def icon_is_there(self):
         return self.icon().is_registered()
 
+    def wait_until(self, condition, what, timeout=PATIENCE):
+        """Returns the first true value of `condition`. Fails at once when the program or the desktop has ended; what
+        comes after the program's end is waited for with `self.desktop.wait_until`."""
+        return self.desktop.wait_until(condition, what, timeout, self.program and self.program.pid)
+
     # What it holds
 
     def held(self):
@@ -124,14 +129,14 @@ class DesktopTest(unittest.TestCase):
 
     def at_rest(self, threads):
         """What is held once the threads that checks borrowed have ended, and no more than `threads` are left."""
-        wait_until(lambda: self.held()[0] <= threads, PATIENCE, f"no more than {threads} threads")
+        self.wait_until(lambda: self.held()[0] <= threads, f"no more than {threads} threads")
         return self.held()
 
     # What it shows
 
     def application(self):
         """The accessible root of this test's program, not of one that has just ended."""
-        return next((node for node in accessible.applications() if process_of(node) == self.program.pid), None)
+        return accessible.application_of(self.program.pid)
 
     def window(self):
         """The window that shows, or None."""
@@ -139,10 +144,10 @@ class DesktopTest(unittest.TestCase):
         return root and next(iter(accessible.windows(root)), None)
 
     def wait_for_window(self):
-        return wait_until(self.window, PATIENCE, "the dashboard")
+        return self.wait_until(self.window, "the dashboard")
 
     def wait_until_closed(self):
-        wait_until(lambda: not self.window(), PATIENCE, "the dashboard to close")
+        self.wait_until(lambda: not self.window(), "the dashboard to close")
 
     def open_dashboard(self):
         self.start_again()
@@ -150,22 +155,22 @@ class DesktopTest(unittest.TestCase):
 
     def button(self, *names):
         """The button that bears one of these names now. It stays the same control when its name changes."""
-        return wait_until(lambda: next((node for name in names for node in accessible.find_all(
-            self.application(), name, "push button")), None), PATIENCE, f"the button {names}")
+        return self.wait_until(lambda: next((node for name in names for node in accessible.find_all(
+            self.application(), name, "button")), None), f"the button {names}")
 
     def press(self, *names):
         button = self.button(*names)
-        wait_until(lambda: accessible.is_enabled(button), PATIENCE, f"the button {names} to be enabled")
+        self.wait_until(lambda: accessible.is_enabled(button), f"the button {names} to be enabled")
         accessible.press(button)
         return button
 
     def wait_for_name(self, control, name, timeout=PATIENCE):
-        wait_until(lambda: name_of(control) == name, timeout, f"{name!r} where {name_of(control)!r} stood")
+        self.wait_until(lambda: name_of(control) == name, f"{name!r} where {name_of(control)!r} stood", timeout)
 
     def wait_for_text(self, text, timeout=PATIENCE):
         """A label with exactly this text."""
-        return wait_until(lambda: self.application() and accessible.find(self.application(), text), timeout,
-                          f"the text {text!r}")
+        return self.wait_until(lambda: self.application() and accessible.find(self.application(), text),
+                               f"the text {text!r}", timeout)
 
     def texts(self):
         """Every label that shows, in the order of the tree."""
@@ -186,7 +191,7 @@ class DesktopTest(unittest.TestCase):
         return self.desktop.active_process() == self.program.pid
 
     def wait_until_active(self):
-        wait_until(self.is_active, PATIENCE, "the keyboard's focus")
+        self.wait_until(self.is_active, "the keyboard's focus")
 
     # Its state
 
@@ -213,8 +218,8 @@ class DesktopTest(unittest.TestCase):
         return {path.name: path.stat().st_size for path in sorted(self.state.glob("data/*"))}
 
     def wait_for_lines(self, sites, count, timeout=PATIENCE):
-        wait_until(lambda: all(len(self.history(site)) >= count for site in sites), timeout,
-                   f"{count} lines of each of {', '.join(sites)}")
+        self.wait_until(lambda: all(len(self.history(site)) >= count for site in sites),
+                        f"{count} lines of each of {', '.join(sites)}", timeout)
 
     def assert_history_as_expected(self, *arguments):
         done = subprocess.run([LAB / "compare.py", self.state, *arguments], stdout=subprocess.PIPE, text=True)
@@ -240,13 +245,6 @@ class DesktopTest(unittest.TestCase):
             found += ["Its files:", *(f"{path.relative_to(self.state)} {path.lstat().st_size}"
                                       for path in sorted(self.state.rglob("*")))]
         return "\n".join(found)
-
-
-def process_of(node):
-    try:
-        return node.get_process_id()
-    except Exception:  # the program went away meanwhile
-        return None
 
 
 def name_of(node):

@@ -3,8 +3,6 @@
 import re
 import subprocess
 
-from virtual_desktop import wait_until
-
 PATIENCE = 60
 MENU = "/MenuBar"
 ITEM = "/StatusNotifierItem"
@@ -15,6 +13,7 @@ TRAY_WINDOW = re.compile(r'"wrapper-2\.0".* (\d\d)x(\d\d)\+0\+0 +\+(\d+)\+(\d+)'
 class PanelIcon:
     def __init__(self, desktop, process):
         self._desktop = desktop
+        self._process = process
         self._name = f"org.kde.StatusNotifierItem-{process}-1"
 
     def is_registered(self):
@@ -31,7 +30,7 @@ class PanelIcon:
         return (x, y, width, height) if self._is_drawn(f"{width}x{height}+{x}+{y}") else None
 
     def wait_until_drawn(self):
-        return wait_until(self.area, PATIENCE, "the icon to be drawn in the panel")
+        return self._desktop.wait_until(self.area, "the icon to be drawn in the panel", PATIENCE, self._process)
 
     def click(self):
         """A real click; returns its place."""

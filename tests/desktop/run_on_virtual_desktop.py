@@ -5,8 +5,8 @@ import os
 import signal
 import sys
 
-from virtual_desktop import VirtualDesktop, wait_until
-import accessible
+from shown_program import ShownProgram
+from virtual_desktop import VirtualDesktop
 
 
 def stop(*_):
@@ -19,17 +19,12 @@ def main():
         signal.signal(number, stop)
     try:
         with VirtualDesktop() as desktop:
-            desktop.start_panel()
-            desktop.spawn(["dunst"])
-            kestrin = desktop.spawn([program], "kestrin")
-            wait_until(lambda: "StatusNotifierItem" in desktop.tray_items(), what="the icon in the panel")
-            desktop.run([program])  # a second start opens the dashboard of the first
-            accessible.connect(desktop.env)
-            accessible.wait_for(accessible.wait_for_application(), "Quit", "push button")
+            kestrin = ShownProgram(desktop, program)
+            kestrin.wait_for_button("Quit")
             picture = desktop.screenshot(os.path.join(desktop.root, "screenshot.png"))
             print(f"Kestrin runs on the virtual display {desktop.env['DISPLAY']}; a screenshot lies at {picture} "
                   "until you press Ctrl-C.", flush=True)
-            return kestrin.wait()
+            return kestrin.process.wait()
     except KeyboardInterrupt:
         return 0
 

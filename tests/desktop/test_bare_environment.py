@@ -6,8 +6,6 @@ import subprocess
 import accessible
 import desktop_test
 from busless import BuslessTest
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 HOME_VARIABLES = ("HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME")
 
@@ -15,8 +13,8 @@ HOME_VARIABLES = ("HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME")
 class WithoutASessionBus(BuslessTest):
     def use_it(self, notice):
         self.wait_until_active()
-        wait_until(lambda: f'name="{notice}" role=StaticText' in self.log.read_text(errors="replace"), PATIENCE,
-                   f"the notice {notice!r}")
+        self.wait_until(lambda: f'name="{notice}" role=StaticText' in self.log.read_text(errors="replace"),
+                        f"the notice {notice!r}")
         # Both buttons on the way to Quit make a check, so either shows that checks work.
         self.press_on_until(lambda: all(self.history(site) for site in self.sites))
         self.assert_history_as_expected("--lines", "1")
@@ -87,7 +85,7 @@ class AStateDirectoryThatCannotBeWritten(desktop_test.DesktopTest):
         self.assertIn(self.ERROR, self.texts())
         accessible.press(start_stop)
         self.wait_for_lines(sites, 1)
-        wait_until(lambda: self.ERROR not in self.texts(), PATIENCE, "the message to go")
+        self.wait_until(lambda: self.ERROR not in self.texts(), "the message to go")
         self.assert_history_as_expected("--lines", "1")
 
 

@@ -15,7 +15,6 @@ import accessible
 import desktop_test
 import logs
 from desktop_test import PATIENCE, name_of
-from virtual_desktop import wait_until
 
 MEGABYTE = 10**6
 SIZE = int(os.environ.get("HISTORY_MEGABYTES", 300)) * MEGABYTE
@@ -73,7 +72,7 @@ class BigHistory(desktop_test.DesktopTest):
 
     def start_loading(self):
         self.start_program(wait=False)
-        wait_until(lambda: self.program.poll() is not None or self.icon_is_there(), PATIENCE, "the icon")
+        self.wait_until(self.icon_is_there, "the icon")
         self.open_dashboard()
         return self.wait_for_text(LOADING)
 
@@ -142,7 +141,7 @@ class Loading(BigHistory):
         buttons = [self.button(name) for name in ("Start", "Check now", "Quit")]
         for label_before, label_after in (("Start", "Stop"), ("Stop", "Start")):
             self.icon().choose(label_before)
-            wait_until(lambda: label_after in self.icon().menu().values(), PATIENCE, f"the entry {label_after!r}")
+            self.wait_until(lambda: label_after in self.icon().menu().values(), f"the entry {label_after!r}")
         longest, asked = 0, 0
         while self.still_loads(label):
             start = time.monotonic()

@@ -4,7 +4,6 @@
 import accessible
 import desktop_test
 from desktop_test import middle
-from virtual_desktop import wait_until
 
 
 class CheckNowWhileMonitoringIsStopped(desktop_test.DesktopTest):
@@ -29,11 +28,11 @@ class CheckNowWhileMonitoringIsStopped(desktop_test.DesktopTest):
         self.open_dashboard()
         button = self.press("Check now")
         self.wait_for_name(button, "Checking")
-        wait_until(lambda: not accessible.is_enabled(button), what="the button to be disabled")
+        self.wait_until(lambda: not accessible.is_enabled(button), "the button to be disabled")
         self.assertEqual(desktop_test.name_of(button), "Checking")
         self.desktop.click(*middle(button))
         self.wait_for_name(button, "Check now")
-        wait_until(lambda: accessible.is_enabled(button), what="the button to be enabled again")
+        self.wait_until(lambda: accessible.is_enabled(button), "the button to be enabled again")
         self.assertEqual([len(self.history(site)) for site in sites], [1] * len(sites))
 
     def test_the_rows_show_what_the_check_saw(self):

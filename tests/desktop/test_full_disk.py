@@ -9,8 +9,6 @@ import subprocess
 import accessible
 import desktop_test
 import logs
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 FULL = "Could not save check history: No space left on device"
 PAGE = os.sysconf("SC_PAGE_SIZE")
@@ -52,7 +50,7 @@ class AFullDisk(desktop_test.DesktopTest):
         visits = lambda: sum(event["event"] == "request" and event["host"] == host for event in logs.events("requests"))
         before = visits()
         self.check()
-        wait_until(lambda: visits() > before, PATIENCE, f"a visit to {host}")
+        self.wait_until(lambda: visits() > before, f"a visit to {host}")
         self.fill_disk()
         self.wait_for_end()
 
@@ -72,7 +70,7 @@ class AFullDisk(desktop_test.DesktopTest):
         self.wait_for_end()
         self.wait_for_lines(sites, 1)
         self.assert_history_as_expected("--lines", "1")
-        wait_until(lambda: FULL not in self.texts(), PATIENCE, "the message to go")
+        self.wait_until(lambda: FULL not in self.texts(), "the message to go")
 
     def test_a_line_that_it_cut_is_sealed_and_every_whole_line_stays(self):
         self.write_sites("slow-0")
@@ -92,7 +90,7 @@ class AFullDisk(desktop_test.DesktopTest):
         self.free_disk()
         self.check()
         self.wait_for_end()
-        wait_until(lambda: self.content().count(b"\n") > whole.count(b"\n"), PATIENCE, "the next line")
+        self.wait_until(lambda: self.content().count(b"\n") > whole.count(b"\n"), "the next line")
         torn, sealed, added = self.content()[len(whole):].partition(b"\n")
         self.assertEqual(len(torn), 60)
         self.assertRaises(ValueError, json.loads, torn)

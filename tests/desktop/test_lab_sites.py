@@ -35,7 +35,7 @@ class StartingByTheIcon(desktop_test.DesktopTest):
         self.desktop.click(*middle(self.button("Start")))
         self.wait_for_lines(sites, 1)
         self.wait_for_text("Monitoring active")
-        self.assertEqual(accessible.find(self.application(), "Start", "push button"), None)
+        self.assertEqual(accessible.find(self.application(), "Start", "button"), None)
         self.assert_history_as_expected("--lines", "1")
 
 

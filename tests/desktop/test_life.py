@@ -9,7 +9,6 @@ import signal
 import desktop_test
 import logs
 from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 AT_ONCE = 5
 SILENT_NAME = "name-silent.lab.kestrin-test.example"
@@ -28,7 +27,7 @@ class ASecondStart(desktop_test.DesktopTest):
     def test_many_at_once_leave_one(self):
         starts = [self.desktop.spawn([desktop_test.PROGRAM], "many", env={
             **self.desktop.env, "XDG_DATA_HOME": str(self.data)}) for _ in range(6)]
-        wait_until(lambda: sum(start.poll() is None for start in starts) <= 1, PATIENCE, "all but one to end")
+        self.wait_until(lambda: sum(start.poll() is None for start in starts) <= 1, "all but one to end")
         self.program = next((start for start in starts if start.poll() is None), None)
         self.assertIsNotNone(self.program, "none is left")
         self.wait_for_window()
@@ -49,10 +48,10 @@ class ASecondStart(desktop_test.DesktopTest):
 class Quitting(desktop_test.DesktopTest):
     def assert_ends_at_once(self):
         self.assertEqual(self.exit_code(AT_ONCE), 0)
-        wait_until(lambda: not self.icon_is_there(), PATIENCE, "the icon to go")
+        self.desktop.wait_until(lambda: not self.icon_is_there(), "the icon to go", PATIENCE)
 
     def wait_for_visit(self, host, before):
-        wait_until(lambda: visits(host) > before, PATIENCE, f"a visit to {host}")
+        self.wait_until(lambda: visits(host) > before, f"a visit to {host}")
 
     def test_the_button_ends_the_program(self):
         self.write_sites("status-200")
@@ -95,7 +94,7 @@ class Quitting(desktop_test.DesktopTest):
         before = logs.lookups(SILENT_NAME)
         self.start_program()
         self.icon().choose("Start")
-        wait_until(lambda: logs.lookups(SILENT_NAME) > before, PATIENCE, "the look-up")
+        self.wait_until(lambda: logs.lookups(SILENT_NAME) > before, "the look-up")
         self.program.send_signal(signal.SIGTERM)
         self.assert_ends_at_once()
         self.assertEqual(self.history_sizes(), {})

@@ -16,7 +16,6 @@ import desktop_test
 import logs
 import scenarios
 from name_server import FORGET
-from virtual_desktop import wait_until
 
 SITES = 300
 CYCLES = int(os.environ.get("LOAD_CYCLES", 4))
@@ -58,8 +57,8 @@ class ThreeHundredSitesInTrouble(desktop_test.DesktopTest):
         last = max(site for site in self.sites if scenarios.of_site(site).expected.in_history)
         start = time.monotonic()
         accessible.press(self.check_now)
-        wait_until(lambda: self.size(last) > 0 and len(self.history(last)) >= number, LONGEST_CYCLE,
-                   f"line {number} of {last}")
+        self.wait_until(lambda: self.size(last) > 0 and len(self.history(last)) >= number,
+                        f"line {number} of {last}", LONGEST_CYCLE)
         self.wait_for_name(self.check_now, "Check now")
         took = time.monotonic() - start
         descriptors = self.at_rest(self.threads)[1]

@@ -6,8 +6,7 @@ import time
 import accessible
 import desktop_test
 import scenarios
-from desktop_test import PATIENCE, name_of, spot
-from virtual_desktop import wait_until
+from desktop_test import name_of, spot
 
 SITES = 300
 SCREEN = 0, 0, 1280, 800
@@ -39,7 +38,7 @@ class ThreeHundredSites(desktop_test.DesktopTest):
         return x >= left and y >= top and x + width <= left + whole_width and y + height <= top + whole_height
 
     def wait_until_in_sight(self, node):
-        wait_until(lambda: self.lies_within_window(node), PATIENCE, f"{name_of(node)!r} to scroll into the window")
+        self.wait_until(lambda: self.lies_within_window(node), f"{name_of(node)!r} to scroll into the window")
 
     def test_it_opens_at_once_fits_the_screen_and_lists_every_site_in_order(self):
         self.assertLess(self.took, AT_ONCE)
@@ -52,7 +51,7 @@ class ThreeHundredSites(desktop_test.DesktopTest):
     def test_the_last_one_is_a_step_back_from_the_list_and_scrolls_into_sight(self):
         last = self.rows()[f"Website {SITES}"]
         self.assertFalse(self.lies_within_window(last))
-        wait_until(lambda: accessible.is_focused(self.list()), PATIENCE, "the list to have the focus")
+        self.wait_until(lambda: accessible.is_focused(self.list()), "the list to have the focus")
         self.desktop.press_key("shift+Tab")
         self.wait_until_in_sight(last)
 

@@ -7,8 +7,6 @@ import shutil
 import accessible
 import desktop_test
 import logs
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 MISSING = "Could not save check history: Kestrin's state directory is missing sites.json."
 INVITATION = "Add your first website"
@@ -28,7 +26,7 @@ class AStateDirectoryThatMoves(desktop_test.DesktopTest):
         """One round of checks; the servers have been asked but nothing is written when something happens."""
         before = self.visits()
         accessible.press(self.check_now)
-        wait_until(lambda: self.visits() >= before + len(self.sites), PATIENCE, "the visits")
+        self.wait_until(lambda: self.visits() >= before + len(self.sites), "the visits")
         something_happens()
         self.wait_for_name(self.check_now, "Check now")
 

@@ -2,8 +2,6 @@
 """A state directory whose owner took away the permission to use it."""
 
 import desktop_test
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 
 class WithoutPermission(desktop_test.DesktopTest):
@@ -16,7 +14,7 @@ class WithoutPermission(desktop_test.DesktopTest):
         command = ["setpriv", "--inh-caps", powers, "--bounding-set", powers, desktop_test.PROGRAM]
         self.program = self.desktop.spawn(command, self.data.name, env={
             **self.desktop.env, "XDG_DATA_HOME": str(self.data)})
-        wait_until(lambda: self.icon_is_there() or self.program.poll() is not None, PATIENCE, "the icon")
+        self.wait_until(self.icon_is_there, "the icon")
         self.open_dashboard()
 
     def test_the_reason_is_told_and_the_next_cycle_recovers(self):
@@ -29,7 +27,7 @@ class WithoutPermission(desktop_test.DesktopTest):
         self.state.chmod(0o755)
         self.press("Check now")
         self.wait_for_lines(sites, 1)
-        wait_until(lambda: self.ERROR not in self.texts(), PATIENCE, "the message to go")
+        self.wait_until(lambda: self.ERROR not in self.texts(), "the message to go")
         self.assert_history_as_expected("--lines", "1")
 
     def test_a_history_that_may_not_be_written_is_told_and_the_others_wait(self):

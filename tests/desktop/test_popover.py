@@ -4,7 +4,6 @@
 import accessible
 import desktop_test
 from desktop_test import PATIENCE, name_of, spot
-from virtual_desktop import wait_until
 
 SCREEN = 0, 0, 1280, 800
 ICON_TO_POPOVER = 20
@@ -45,7 +44,7 @@ class OpeningAndClosing(PopoverTest):
 
     def test_a_click_on_the_icon_opens_it_beside_the_click_inside_the_screen(self):
         self.open_by_icon()
-        wait_until(lambda: lies_within(spot(self.window()), SCREEN), PATIENCE, "the popover inside the screen")
+        self.wait_until(lambda: lies_within(spot(self.window()), SCREEN), "the popover inside the screen")
         x, y, width, height = spot(self.window())
         _, icon_y, _, icon_height = self.icon().area()
         self.assertTrue(icon_y + icon_height <= y <= icon_y + icon_height + ICON_TO_POPOVER, f"it lies at {y}")
@@ -55,10 +54,10 @@ class OpeningAndClosing(PopoverTest):
         with self.watching_activations() as activations:
             self.open_by_icon()
             self.icon().click()
-            wait_until(lambda: activations() == 2, PATIENCE, "the panel to pass on the click")
+            self.wait_until(lambda: activations() == 2, "the panel to pass on the click")
             self.is_closed_for_good()
             self.icon().click()
-            wait_until(lambda: activations() == 3, PATIENCE, "the panel to pass on the click")
+            self.wait_until(lambda: activations() == 3, "the panel to pass on the click")
             self.wait_for_window()
 
     def test_escape_closes_it_and_the_program_goes_on(self):
@@ -92,7 +91,7 @@ class Activations:
         match = "type='method_call',interface='org.kde.StatusNotifierItem',member='Activate'"
         self._listener = self._desktop.spawn(["dbus-monitor", "--session", match], f"bus-{id(self)}")
         # Its own farewell to being an ordinary client is the first that it writes down.
-        wait_until(lambda: "NameLost" in self._text(), PATIENCE, "the listener on the bus")
+        self._desktop.wait_until(lambda: "NameLost" in self._text(), "the listener on the bus", PATIENCE)
         return lambda: self._text().count("member=Activate")
 
     def __exit__(self, *_):
@@ -108,7 +107,7 @@ class WhatCanBeRead(PopoverTest):
     def assert_nothing_is_cut_off(self):
         frame = spot(self.window())
         self.assertTrue(lies_within(frame, SCREEN), frame)
-        shown = [node for role in ("label", "push button") for node in accessible.find_all(self.window(), role=role)
+        shown = [node for role in ("label", "button") for node in accessible.find_all(self.window(), role=role)
                  if name_of(node)]
         places = [(name_of(node), spot(node)) for node in shown]
         cut = [place for place in places if not lies_within(place[1], frame)]
@@ -128,7 +127,7 @@ class WhatCanBeRead(PopoverTest):
         self.wait_for_lines(sites, 1)
         self.wait_for_text(BLOCKED)
         self.wait_for_text("Check now")
-        wait_until(lambda: spot(self.window())[3] > height, PATIENCE, "the popover to grow with its longest line")
+        self.wait_until(lambda: spot(self.window())[3] > height, "the popover to grow with its longest line")
         self.assertIn(BLOCKED, self.assert_nothing_is_cut_off())
         self.close_dashboard()
         self.open_by_icon()
@@ -178,7 +177,7 @@ class TheKeyboard(PopoverTest):
         while passed[-1] != name:
             self.assertLess(len(passed), 20, f"Tab led only to {passed}")
             self.desktop.press_key("Tab")
-            wait_until(lambda: self.focused() not in (None, passed[-1]), PATIENCE, f"Tab to lead on from {passed}")
+            self.wait_until(lambda: self.focused() not in (None, passed[-1]), f"Tab to lead on from {passed}")
             passed.append(self.focused())
 
     def test_tab_reaches_start_and_space_presses_it(self):
@@ -200,11 +199,11 @@ class TheKeyboard(PopoverTest):
         self.wait_for_text("slow-0")
         self.go_to("Check now")
         self.desktop.press_key("space")
-        wait_until(lambda: self.focused() not in ("Check now", None), PATIENCE, "the button to be disabled")
+        self.wait_until(lambda: self.focused() not in ("Check now", None), "the button to be disabled")
         self.assertEqual(self.focused(), "Websites")
         self.desktop.press_key("space")
         self.wait_for_lines(["slow-0", "slow-1"], 1)
-        wait_until(lambda: self.focused() == "Check now", PATIENCE, "the button to have the focus again")
+        self.wait_until(lambda: self.focused() == "Check now", "the button to have the focus again")
         self.assertIsNone(self.program.poll())
 
     def test_tab_reaches_quit_and_space_presses_it(self):

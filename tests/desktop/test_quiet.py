@@ -8,8 +8,6 @@ import pathlib
 import time
 
 import desktop_test
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 SETTLING = 3
 WATCHED = 20
@@ -42,7 +40,7 @@ class Quiet(desktop_test.DesktopTest):
                 since, before = time.monotonic(), now
             return time.monotonic() - since >= SETTLING
 
-        wait_until(has_settled, PATIENCE, f"a program that does not stir for {SETTLING} s, as in {before}")
+        self.wait_until(has_settled, f"a program that does not stir for {SETTLING} s, as in {before}")
 
     def assert_quiet(self):
         self.settle()
@@ -54,7 +52,7 @@ class Quiet(desktop_test.DesktopTest):
         self.assertLessEqual(sum(woken.values()), WAKE_UPS, f"woken in {WATCHED} s: {woken}")
 
     def wait_for_menu_entry(self, label):
-        wait_until(lambda: label in self.icon().menu().values(), PATIENCE, f"the entry {label!r}")
+        self.wait_until(lambda: label in self.icon().menu().values(), f"the entry {label!r}")
 
     def test_stopped_and_never_opened(self):
         self.write_sites("statuses")
@@ -77,7 +75,7 @@ class Quiet(desktop_test.DesktopTest):
         self.icon().choose("Start")
         self.wait_for_lines(sites, 1)
         self.desktop.press_key("Escape")
-        wait_until(lambda: not self.is_active(), PATIENCE, "the popover to close")
+        self.wait_until(lambda: not self.is_active(), "the popover to close")
         self.assert_quiet()
 
 

@@ -3,8 +3,6 @@
 
 import accessible
 import desktop_test
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 # Whether the windowing system tells of the lost focus before the next opening is a matter of chance.
 TIMES = 12
@@ -17,7 +15,7 @@ class OpenedAgainAtOnce(desktop_test.DesktopTest):
         self.start_program()
 
     def wait_until_list_has_focus(self):
-        wait_until(lambda: (found := self.list()) and accessible.is_focused(found), PATIENCE, "the list to have focus")
+        self.wait_until(lambda: (found := self.list()) and accessible.is_focused(found), "the list to have focus")
 
     def list(self):
         return self.window() and accessible.find(self.window(), "Websites")

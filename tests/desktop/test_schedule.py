@@ -6,7 +6,6 @@ import re
 
 import desktop_test
 from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 INTERVAL = 3600
 CLOCK_BOOTTIME = 7
@@ -34,12 +33,12 @@ class TheNextCycle(desktop_test.DesktopTest):
 
     def test_is_awaited_on_the_clock_that_goes_on_through_machine_sleep_and_given_up_by_stop(self):
         self.start_monitoring(INTERVAL)
-        wait_until(lambda: any(left > 0 for _, left in self.timers()), PATIENCE, "a timer to be set")
+        self.wait_until(lambda: any(left > 0 for _, left in self.timers()), "a timer to be set")
         ((clock, left),) = self.timers()
         self.assertEqual(clock, CLOCK_BOOTTIME)
         self.assertTrue(INTERVAL - PATIENCE <= left <= INTERVAL, left)
         self.icon().choose("Stop")
-        wait_until(lambda: self.timers() == [(CLOCK_BOOTTIME, 0)], PATIENCE, "the timer to be given up")
+        self.wait_until(lambda: self.timers() == [(CLOCK_BOOTTIME, 0)], "the timer to be given up")
 
 
 if __name__ == "__main__":

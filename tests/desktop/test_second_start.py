@@ -7,7 +7,6 @@ import subprocess
 import desktop_test
 from busless import BuslessTest
 from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 RUNS = "Kestrin is already running.\n"
 
@@ -25,7 +24,7 @@ class ASecondStart(BuslessTest):
         """Puts the window of the first out of the way."""
         self.wait_until_active()
         self.desktop.run(["xdotool", "getactivewindow", "windowminimize"])
-        wait_until(lambda: not self.is_active(), PATIENCE, "the window to go")
+        self.wait_until(lambda: not self.is_active(), "the window to go")
 
     def assert_only_the_first_checks(self):
         self.wait_until_active()
@@ -62,7 +61,7 @@ class ASecondStart(BuslessTest):
     def test_many_at_once_leave_one(self):
         env = {**self.desktop.env, "XDG_DATA_HOME": str(self.data), **self.environment("")}
         starts = [self.desktop.spawn([desktop_test.PROGRAM], self.data.name, env=env) for _ in range(6)]
-        wait_until(lambda: sum(start.poll() is None for start in starts) <= 1, PATIENCE, "all but one to end")
+        self.wait_until(lambda: sum(start.poll() is None for start in starts) <= 1, "all but one to end")
         self.program = next((start for start in starts if start.poll() is None), None)
         self.assertIsNotNone(self.program, "none is left")
         self.assertEqual([start.poll() for start in starts if start is not self.program], [0] * 5)

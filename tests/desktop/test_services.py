@@ -10,10 +10,9 @@ import desktop_test
 import logs
 import scenarios
 import services
-from desktop_test import PATIENCE, name_of, spot
+from desktop_test import name_of, spot
 from name_server import FORGET
 from service_table import FIRST, SECOND
-from virtual_desktop import wait_until
 
 TEN_SITES = ("status-200", "status-503", "to-www-and-back", "chain-6", "expired", "refused", "slow-0", "slow-1",
              "slow-2", "slow-3")
@@ -53,12 +52,12 @@ class ServicesTest(desktop_test.DesktopTest):
         return None
 
     def wait_for_row(self, name, said):
-        wait_until(lambda: self.row(name) == said, PATIENCE, f"{said} in the row {name!r}")
+        self.wait_until(lambda: self.row(name) == said, f"{said} in the row {name!r}")
 
     def assert_rows_as_expected(self):
         """Name, state and summary of each service, once all of them have been checked."""
-        wait_until(lambda: all((self.row(one.name) or NOT_CHECKED)[2] != NOT_CHECKED[2] for one in self.services),
-                   PATIENCE, "a check in the row of every service")
+        self.wait_until(lambda: all((self.row(one.name) or NOT_CHECKED)[2] != NOT_CHECKED[2] for one in self.services),
+                        "a check in the row of every service")
         self.assert_lines_equal([" | ".join((one.name, *self.row(one.name)[:2])) for one in self.services],
                                 [" | ".join((one.name, one.expected.state.capitalize(), one.expected.summary))
                                  for one in self.services], "the popover's rows")
@@ -207,7 +206,7 @@ class SwitchedOff(ServicesTest):
 
         self.write_state(sites, labels, enabled=False)
         self.open_dashboard()
-        wait_until(lambda: "Services" not in self.texts(), PATIENCE, "the services to leave")
+        self.wait_until(lambda: "Services" not in self.texts(), "the services to leave")
         self.assertEqual([self.row(one.name) for one in self.services], [None, None])
         self.press("Check now")
         self.wait_for_lines(sites, 2)

@@ -4,8 +4,6 @@
 import accessible
 import desktop_test
 import logs
-from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 
 def visits(event):
@@ -21,13 +19,13 @@ class StoppingDuringACycle(desktop_test.DesktopTest):
         visited = visits("request")
         start_stop = self.press("Start")
         # Some have answered by now, and two are being asked.
-        wait_until(lambda: visits("request") >= visited + 5, PATIENCE, "some visits")
+        self.wait_until(lambda: visits("request") >= visited + 5, "some visits")
         self.wait_for_name(start_stop, "Stop")
         accessible.press(start_stop)
         self.wait_for_name(start_stop, "Start")
         self.wait_for_name(check_now, "Check now")
 
-        wait_until(lambda: visits("open") == visits("close"), PATIENCE, "the servers to be left alone")
+        self.wait_until(lambda: visits("open") == visits("close"), "the servers to be left alone")
         self.icon().wait_until_heard()
         self.assertEqual(self.history_sizes(), {})
         self.assertLess(visits("request") - visited, 12, "the cycle went on to its end")
@@ -53,7 +51,7 @@ class StoppingDuringACycle(desktop_test.DesktopTest):
         self.wait_for_name(start_stop, "Stop")
         self.wait_for_lines(sites, 1)
         self.wait_for_name(check_now, "Check now")
-        wait_until(lambda: visits("open") == visits("close"), PATIENCE, "the servers to be left alone")
+        self.wait_until(lambda: visits("open") == visits("close"), "the servers to be left alone")
         self.icon().wait_until_heard()
         self.assert_history_as_expected("--lines", "1")
 

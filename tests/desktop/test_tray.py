@@ -5,7 +5,6 @@ import signal
 
 import desktop_test
 from desktop_test import PATIENCE
-from virtual_desktop import wait_until
 
 
 class AProgramThatWasThereFirst(desktop_test.DesktopTest):
@@ -30,7 +29,7 @@ class TheMenu(desktop_test.DesktopTest):
         self.start_program()
 
     def wait_for_menu(self, *labels):
-        wait_until(lambda: tuple(self.icon().menu().values()) == labels, PATIENCE, f"the menu {labels}")
+        self.wait_until(lambda: tuple(self.icon().menu().values()) == labels, f"the menu {labels}")
 
     def test_open_dashboard_opens_it(self):
         self.assertIsNone(self.window())
@@ -50,7 +49,7 @@ class TheMenu(desktop_test.DesktopTest):
     def test_quit_ends_the_program(self):
         self.icon().choose("Quit")
         self.assertEqual(self.exit_code(), 0)
-        wait_until(lambda: not self.icon_is_there(), PATIENCE, "the icon to go")
+        self.desktop.wait_until(lambda: not self.icon_is_there(), "the icon to go", PATIENCE)
 
 
 if __name__ == "__main__":

@@ -2,7 +2,8 @@
 with a tray. Everything it starts lives in one temporary directory and is gone after stop().
 
 X and D-Bus listen on path sockets, so a program in another network namespace reaches them too; abstract sockets
-would be invisible there. Waiting always ends by an event or with a TimeoutError, never because time has passed.
+would be invisible there. Waiting ends when what was waited for happens, as soon as it cannot happen any more, or with
+a TimeoutError.
 """
 
 import contextlib
@@ -12,7 +13,8 @@ import shutil
 import signal
 import subprocess
 import tempfile
-import time
+
+from waiting import how_it_ended, wait_until
 
 PANEL_CONFIGURATION = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
@@ -55,18 +57,6 @@ WATCHER = "org.kde.StatusNotifierWatcher"
 MARK = "KESTRIN_VIRTUAL_DESKTOP"
 
 
-def wait_until(condition, timeout=30, what="the condition"):
-    """Returns the first true value of `condition`; TimeoutError after `timeout` seconds."""
-    deadline = time.monotonic() + timeout
-    while True:
-        value = condition()
-        if value:
-            return value
-        if time.monotonic() > deadline:
-            raise TimeoutError(f"waited {timeout} s for {what}")
-        time.sleep(0.02)
-
-
 class VirtualDesktop:
     """`with VirtualDesktop() as desktop: desktop.start_panel(); desktop.spawn(["kestrin"])`
 
@@ -83,6 +73,7 @@ class VirtualDesktop:
         self.root = None
         self.panel = None
         self._processes = []
+        self.parts = {}
 
     def __enter__(self):
         self.start()
@@ -97,8 +88,8 @@ class VirtualDesktop:
             self._make_home()
             self._start_x()
             self._start_bus()
-            self.spawn(["openbox", "--sm-disable"], "openbox")
-            wait_until(self._has_window_manager, what="the window manager")
+            self._spawn_part("the window manager", ["openbox", "--sm-disable"], "openbox")
+            self.wait_until(self._has_window_manager, "the window manager")
             if self.accessibility:
                 self._start_accessibility()
         except BaseException:
@@ -122,6 +113,7 @@ class VirtualDesktop:
         for process in self._processes:
             process.wait()
         self._processes.clear()
+        self.parts.clear()
         self.panel = None
         shutil.rmtree(self.root, ignore_errors=True)
         self.root = None
@@ -135,6 +127,15 @@ class VirtualDesktop:
         self._processes.append(process)
         return process
 
+    def wait_until(self, condition, what, timeout=30, program=None):
+        """As waiting.wait_until, in vain once a part of the desktop has ended, or the process `program`, a number."""
+        return wait_until(condition, timeout, what, lambda: self.loss(program))
+
+    def loss(self, program=None):
+        """Says which part of the desktop has ended, or how the program has; None while all run."""
+        needed = [*self.parts.items(), *(("the program", one) for one in self._processes if one.pid == program)]
+        return next(filter(None, (how_it_ended(name, process) for name, process in needed)), None)
+
     def run(self, command, timeout=30):
         """Runs a program to its end and returns what it printed."""
         done = subprocess.run(command, env=self.env, timeout=timeout, check=True, stdin=subprocess.DEVNULL,
@@ -144,17 +145,23 @@ class VirtualDesktop:
     def log_path(self, name):
         return os.path.join(self.root, "logs", name + ".log")
 
+    def log(self, name):
+        with open(self.log_path(name), encoding="utf-8", errors="replace") as file:
+            return file.read()
+
     def start_panel(self):
         """Returns when the panel's tray is ready to take icons."""
-        self.panel = self.spawn(["xfce4-panel", "--disable-wm-check", "--sm-client-disable"], "panel")
-        wait_until(self.has_tray_host, what="the panel's tray")
+        command = ["xfce4-panel", "--disable-wm-check", "--sm-client-disable"]
+        self.panel = self._spawn_part("the panel", command, "panel")
+        self.wait_until(self.has_tray_host, "the panel's tray")
 
     def stop_panel(self, how=signal.SIGTERM):
         """Ends the panel; SIGKILL stands for a crash."""
+        del self.parts["the panel"]
         self.panel.send_signal(how)
         self.panel.wait()
         self.panel = None
-        wait_until(lambda: not self._call_bus("NameHasOwner", WATCHER), what="the end of the panel's tray")
+        self.wait_until(lambda: not self._call_bus("NameHasOwner", WATCHER), "the end of the panel's tray")
 
     def has_tray_host(self):
         if not self._call_bus("NameHasOwner", WATCHER):
@@ -198,6 +205,11 @@ class VirtualDesktop:
 
     # How it is made
 
+    def _spawn_part(self, name, command, log, **options):
+        """Starts a part of the desktop; nothing is worth waiting for without it."""
+        self.parts[name] = self.spawn(command, log, **options)
+        return self.parts[name]
+
     def _make_home(self):
         for name in ("home", "config", "data", "cache", "runtime", "logs"):
             os.makedirs(os.path.join(self.root, name), mode=0o700)
@@ -228,29 +240,26 @@ class VirtualDesktop:
     def _start_x(self):
         reading, writing = os.pipe()
         try:
-            self.spawn(["Xvfb", "-displayfd", str(writing), "-screen", "0", self.size, "-nolisten", "tcp",
-                        "-noreset", "-ac"], "xvfb", pass_fds=[writing])
+            self._spawn_part("the X server", [
+                "Xvfb", "-displayfd", str(writing), "-screen", "0", self.size, "-nolisten", "tcp", "-noreset", "-ac"],
+                "xvfb", pass_fds=[writing])
         finally:
             os.close(writing)
         with os.fdopen(reading, "rb") as pipe:
             ready, _, _ = select.select([pipe], [], [], 30)
             number = pipe.readline().decode().strip() if ready else ""
         if not number:
-            raise RuntimeError("the X server did not start: " + self._log("xvfb"))
+            raise RuntimeError("the X server did not start: " + self.log("xvfb"))
         self.env["DISPLAY"] = ":" + number
 
     def _start_bus(self):
         path = os.path.join(self.root, "runtime", "bus")
         address = "unix:path=" + path
         self.env["DBUS_SESSION_BUS_ADDRESS"] = address
-        bus = self.spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address], "bus")
-
-        def answers():
-            if bus.poll() is not None:
-                raise RuntimeError("the session bus did not start: " + self._log("bus"))
-            return os.path.exists(path) and self._call_bus("NameHasOwner", "org.freedesktop.DBus")
-
-        wait_until(answers, what="the session bus")
+        self._spawn_part("the session bus", [
+            "dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address], "bus")
+        self.wait_until(lambda: os.path.exists(path) and self._call_bus("NameHasOwner", "org.freedesktop.DBus"),
+                        "the session bus")
 
     def _start_accessibility(self):
         self.env.pop("NO_AT_BRIDGE")
@@ -275,10 +284,6 @@ class VirtualDesktop:
                                name)
         except subprocess.CalledProcessError:
             return None
-
-    def _log(self, name):
-        with open(self.log_path(name), encoding="utf-8", errors="replace") as file:
-            return file.read()
 
     def _own_processes(self):
         """Every living process with this desktop's mark in its environment, services of the bus included."""
