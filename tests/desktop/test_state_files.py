@@ -43,6 +43,35 @@ class ASiteAddedByHand(desktop_test.DesktopTest):
         self.assert_history_as_expected("--lines", "1")
 
 
+class AListEditedWhileTheWindowStaysOpen(desktop_test.DesktopTest):
+    """Without a panel the dashboard is an ordinary window, which may stay open for weeks."""
+
+    panel = False
+
+    def setUp(self):
+        super().setUp()
+        self.write_sites("status-200", names={"status-200": "Shop"})
+        self.start_program()
+        self.wait_for_window()
+        self.wait_for_text("Shop")
+        self.write_sites("status-200", "status-503", names={"status-200": "Shop", "status-503": "Blog"})
+
+    def test_is_taken_up_when_a_second_start_brings_the_window_forward(self):
+        self.start_again()
+        self.wait_for_text("Blog")
+
+    def test_is_taken_up_when_the_user_comes_back_to_the_window(self):
+        self.wait_until_active()
+        editor = self.desktop.spawn(["xmessage", "-title", "Editor", "sites.json"])
+        self.addCleanup(editor.wait)
+        self.addCleanup(editor.terminate)
+        self.desktop.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Editor$", "windowactivate"])
+        self.wait_until(lambda: not self.is_active(), "the editor to be active")
+        self.assertNotIn("Blog", self.texts())
+        self.desktop.run(["xdotool", "search", "--onlyvisible", "--name", "^Kestrin$", "windowactivate"])
+        self.wait_for_text("Blog")
+
+
 class ABadSitesFile(desktop_test.DesktopTest):
     def show_and_repair(self, message, unchanged):
         """`unchanged` gives what must stay as it is. The repaired file is taken up when the dashboard opens again."""
