@@ -2,7 +2,7 @@
 
 packages_to_build=(
     g++ cmake ninja-build pkg-config ccache
-    qt6-base-dev qt6-svg-dev libcurl4-openssl-dev libssl-dev libicu-dev libsimdjson-dev nlohmann-json3-dev
+    qt6-base-dev qt6-svg-dev libxcb1-dev libcurl4-openssl-dev libssl-dev libicu-dev libsimdjson-dev nlohmann-json3-dev
 )
 # What the program itself uses of a desktop that is there, beyond the libraries it links.
 packages_to_run=(qt6-qpa-plugins fonts-dejavu-core ca-certificates)

@@ -1,5 +1,8 @@
 #include "http/ProcessEnvironment.h"
 #include "monitoring/application/AppDelegate.h"
+#include "monitoring/application/ApplicationAppearance.h"
+#include "platform/AppearanceFollower.h"
+#include "platform/HiddenVariables.h"
 #include "platform/InstanceLock.h"
 #include "platform/SessionBus.h"
 #include "platform/SingleInstance.h"
@@ -57,7 +60,10 @@ int main(int argc, char** argv) {
     const Launch launch = takeLaunchFromEnvironment();
     TerminationSignals::block();
 
+    // Font and colours come from the desktop's settings instead; see AppearanceFollower.
+    HiddenVariables themeVariables(platformThemeVariables);
     QApplication application(argc, argv);
+    themeVariables.restore();
     QApplication::setApplicationName("Kestrin");
     QApplication::setApplicationVersion(KESTRIN_VERSION);
     QGuiApplication::setDesktopFileName("app.kestrin.Kestrin");
@@ -88,6 +94,10 @@ int main(int argc, char** argv) {
         std::fputs("Kestrin is already running.\n", stderr);
         return EXIT_SUCCESS;
     }
+
+    AppearanceFollower appearance(bus);
+    appearance.onChange = applyAppearance;
+    applyAppearance(appearance.appearance());
 
     const std::expected<StateLocations, std::string> locations = StateLocations::find();
     if (!locations) return refuseToStart(locations.error());
