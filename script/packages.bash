@@ -13,7 +13,8 @@ packages_for_virtual_desktop=(
 )
 # The private internet: namespaces, servers and certificates.
 packages_for_lab=(python3 iproute2 util-linux nginx-light openssl curl ca-certificates libc-bin)
-packages_to_test=(libgtest-dev libgmock-dev librapidcheck-dev strace)
+# Among them GTK's platform theme for Qt, to be kept out, and a manager of X settings, to be followed.
+packages_to_test=(libgtest-dev libgmock-dev librapidcheck-dev strace qt6-gtk-platformtheme xsettingsd)
 packages_to_sanitize=(clang-19 libclang-rt-19-dev libfuzzer-19-dev)
 packages_to_lint=(clang-format-19 clang-tidy-19 clang-19)
 

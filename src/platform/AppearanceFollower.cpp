@@ -24,8 +24,8 @@ std::optional<std::string> text(const QVariant& value) {
 } // namespace
 
 AppearanceFollower::AppearanceFollower(const std::optional<QDBusConnection>& bus) {
-    settings_.desktop = desktopKind(
-        qgetenv("XDG_CURRENT_DESKTOP").toStdString(), !qEnvironmentVariableIsEmpty("KDE_FULL_SESSION"));
+    settings_.desktop =
+        desktopKind(qgetenv("XDG_CURRENT_DESKTOP").toStdString(), !qEnvironmentVariableIsEmpty("KDE_FULL_SESSION"));
     QStringList namespaces{appearanceSpace, gnomeSpace};
     if (settings_.desktop == DesktopKind::Plasma) {
         settings_.plasmaFont = plasmaFont();

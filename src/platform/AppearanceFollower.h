@@ -12,8 +12,8 @@
 namespace kestrin {
 
 /// Knows how the desktop wants its programs to look, and hears when that changes: from the settings portal, from
-/// XSETTINGS and from Plasma's "kdeglobals". Nothing here waits for another program but the X server; until the portal
-/// has answered, and without one, the defaults count. Main thread, while there is an application object.
+/// XSETTINGS and from Plasma's "kdeglobals". Nothing here waits for another program but the X server; until the
+/// portal has answered, and without one, the defaults count. Main thread, while there is an application object.
 class AppearanceFollower {
 public:
     explicit AppearanceFollower(const std::optional<QDBusConnection>& bus);

@@ -36,7 +36,7 @@ struct AppearanceSettings {
 
     // XSETTINGS
     std::optional<std::string> xFont = {}; ///< "Gtk/FontName"
-    bool hasXResolution = false;      ///< there is an "Xft/DPI", by which Qt scales everything
+    bool hasXResolution = false;           ///< there is an "Xft/DPI", by which Qt scales everything
 };
 
 /// What follows from the settings. A damaged one counts as absent.

@@ -17,13 +17,14 @@ constexpr std::size_t leastFieldsOfQt = 10;
 // Pango's words, without their dashes, which it ignores.
 constexpr std::string_view styleWords[] = {"normal", "roman", "oblique", "italic", "smallcaps", "allsmallcaps",
     "petitecaps", "allpetitecaps", "unicase", "titlecaps", "thin", "ultralight", "extralight", "light", "semilight",
-    "demilight", "book", "regular", "medium", "semibold", "demibold", "bold", "ultrabold", "extrabold", "heavy", "black",
-    "ultraheavy", "extraheavy", "ultrablack", "extrablack", "ultracondensed", "extracondensed", "condensed",
-    "semicondensed", "semiexpanded", "expanded", "extraexpanded", "ultraexpanded", "notrotated", "south", "upsidedown",
-    "north", "rotatedleft", "east", "rotatedright", "west"};
+    "demilight", "book", "regular", "medium", "semibold", "demibold", "bold", "ultrabold", "extrabold", "heavy",
+    "black", "ultraheavy", "extraheavy", "ultrablack", "extrablack", "ultracondensed", "extracondensed",
+    "condensed", "semicondensed", "semiexpanded", "expanded", "extraexpanded", "ultraexpanded", "notrotated",
+    "south", "upsidedown", "north", "rotatedleft", "east", "rotatedright", "west"};
 
 bool hasControl(std::string_view text) {
-    return std::ranges::any_of(text, [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f; });
+    return std::ranges::any_of(
+        text, [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f; });
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -19,8 +19,8 @@ struct FontName {
 /// Source: pango_font_description_from_string.
 [[nodiscard]] std::optional<FontName> fontFromPango(std::string_view text);
 
-/// Reads "FAMILY,POINTS,PIXELS,..." as Plasma stores a font: 10 fields of Qt 5, 16 or 17 of Qt 6. Nothing if there are
-/// fewer, no family, no usable size or a control character. Source: QFont::toString.
+/// Reads "FAMILY,POINTS,PIXELS,..." as Plasma stores a font: 10 fields of Qt 5, 16 or 17 of Qt 6. Nothing if there
+/// are fewer, no family, no usable size or a control character. Source: QFont::toString.
 [[nodiscard]] std::optional<FontName> fontFromQt(std::string_view text);
 
 } // namespace kestrin

@@ -28,7 +28,7 @@ private:
 
 /// What makes Qt load a plugin of the desktop's for its looks, which costs up to 100 MB and may register a second
 /// application with screen readers: hidden while the application object is constructed.
-inline constexpr const char* platformThemeVariables[] = {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
-    "GNOME_DESKTOP_SESSION_ID", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE"};
+inline constexpr const char* platformThemeVariables[] = {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION",
+    "KDE_FULL_SESSION", "GNOME_DESKTOP_SESSION_ID", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE"};
 
 } // namespace kestrin

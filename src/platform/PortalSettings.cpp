@@ -29,11 +29,13 @@ PortalSettings::PortalSettings(QDBusConnection bus, QStringList namespaces, QObj
     : QObject(parent), bus_(std::move(bus)), namespaces_(std::move(namespaces)) {}
 
 void PortalSettings::start() {
-    // Each namespace by itself, so that the bus keeps all others away. Naming the sender would make Qt look it up and
-    // wait for the bus.
+    // By its name Qt finds the type of the slot's argument.
+    qRegisterMetaType<QDBusVariant>();
+    // Each namespace by itself, so that the bus keeps all others away. Naming the sender would make Qt look it up
+    // and wait for the bus.
     for (const QString& name : namespaces_)
-        bus_.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), {name}, QStringLiteral("ssv"),
-            this, SLOT(changed(QString, QString, QDBusVariant)));
+        bus_.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), {name},
+            QStringLiteral("ssv"), this, SLOT(changed(QString, QString, QDBusVariant)));
     const auto* watcher =
         new QDBusServiceWatcher(portalName, bus_, QDBusServiceWatcher::WatchForRegistration, this);
     // Starting it once is enough: one that ends over this question would be started for ever.

@@ -9,8 +9,8 @@ namespace {
 enum class Type : std::uint8_t { Integer, String, Colour };
 constexpr std::size_t colourBytes = 8;
 
-/// Goes through bytes and never past their end. What was asked for beyond it is zero or empty, and `failed` from then
-/// on.
+/// Goes through bytes and never past their end. What was asked for beyond it is zero or empty, and `failed` from
+/// then on.
 class Reader {
 public:
     explicit Reader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}

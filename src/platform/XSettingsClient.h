@@ -9,9 +9,9 @@ struct xcb_connection_t;
 
 namespace kestrin {
 
-/// Follows the settings that a desktop announces to the clients of its X server, over Qt's own connection. Elsewhere,
-/// and where nobody announces any, there are none. After the manager of the settings has gone its last ones count
-/// until the next manager comes. Main thread, while there is an application object.
+/// Follows the settings that a desktop announces to the clients of its X server, over Qt's own connection.
+/// Elsewhere, and where nobody announces any, there are none. After the manager of the settings has gone its last
+/// ones count until the next manager comes. Main thread, while there is an application object.
 class XSettingsClient final : public QAbstractNativeEventFilter {
 public:
     XSettingsClient();

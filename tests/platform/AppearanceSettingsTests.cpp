@@ -77,8 +77,8 @@ TEST(TheFont, isThatOfPlasma) {
         {{.desktop = DesktopKind::Plasma, .plasmaFont = "Hack,12,-1,5,50,0,0,0,0,0"}, "Hack", 12},
         {{.desktop = DesktopKind::Plasma}, "Noto Sans", 10},
         {{.desktop = DesktopKind::Plasma, .plasmaFont = "damaged"}, "Noto Sans", 10},
-        {{.desktop = DesktopKind::Plasma, .gnomeFont = "Cantarell 11", .textScale = 2, .xFont = "Sans 9"}, "Noto Sans",
-            10},
+        {{.desktop = DesktopKind::Plasma, .gnomeFont = "Cantarell 11", .textScale = 2, .xFont = "Sans 9"},
+            "Noto Sans", 10},
     });
 }
 

@@ -1,6 +1,8 @@
 #include "platform/FakeSettingsPortal.h"
 
+#include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusVariant>
 #include <utility>
 
 namespace kestrin::test {
@@ -12,8 +14,7 @@ const QString path = "/org/freedesktop/portal/desktop";
 
 FakeSettingsPortal::FakeSettingsPortal(QDBusConnection bus) : bus_(std::move(bus)) {
     qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
-    qRegisterMetaType<QDBusVariant>("QDBusVariant");
-    bus_.registerObject(path, this, QDBusConnection::ExportAllContents);
+    bus_.registerObject(path, this, QDBusConnection::ExportAllSlots);
 }
 
 void FakeSettingsPortal::start() {
@@ -26,7 +27,9 @@ void FakeSettingsPortal::stop() {
 
 void FakeSettingsPortal::set(const QString& nameSpace, const QString& key, const QVariant& value) {
     settings_[nameSpace][key] = value;
-    Q_EMIT SettingChanged(nameSpace, key, QDBusVariant(value));
+    auto signal = QDBusMessage::createSignal(path, "org.freedesktop.portal.Settings", "SettingChanged");
+    signal << nameSpace << key << QVariant::fromValue(QDBusVariant(value));
+    bus_.send(signal);
 }
 
 QMap<QString, QVariantMap> FakeSettingsPortal::ReadAll(const QStringList& namespaces) {

@@ -2,7 +2,6 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
-#include <QDBusVariant>
 #include <QMap>
 #include <QObject>
 #include <QStringList>
@@ -30,9 +29,6 @@ public:
 
 public Q_SLOTS:
     QMap<QString, QVariantMap> ReadAll(const QStringList& namespaces);
-
-Q_SIGNALS:
-    void SettingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
 
 private:
     QDBusConnection bus_;

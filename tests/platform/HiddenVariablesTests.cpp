@@ -37,7 +37,9 @@ TEST_F(HiddenVariablesOfAProcess, areNotSetUntilTheyAreRestored) {
 }
 
 TEST_F(HiddenVariablesOfAProcess, areBackAfterTheLifeOfTheObject) {
-    { const HiddenVariables hidden(both); }
+    {
+        const HiddenVariables hidden(both);
+    }
     EXPECT_STREQ(std::getenv(first), "one");
 }
 

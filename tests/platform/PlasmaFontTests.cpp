@@ -14,7 +14,8 @@ using Font = std::optional<std::string>;
 TEST(TheFontInKdeglobals, isThatOfTheGeneralGroup) {
     EXPECT_EQ(fontInKdeglobals("[General]\nfont=Hack,12\n"), Font("Hack,12"));
     EXPECT_EQ(fontInKdeglobals("[General]\nfont=Hack,12"), Font("Hack,12"));
-    EXPECT_EQ(fontInKdeglobals("[KDE]\nfont=No\n[General]\r\nx=y\r\n font = Hack,12 \r\n[WM]\nfont=No\n"), Font("Hack,12"));
+    EXPECT_EQ(fontInKdeglobals("[KDE]\nfont=No\n[General]\r\nx=y\r\n font = Hack,12 \r\n[WM]\nfont=No\n"),
+        Font("Hack,12"));
     EXPECT_EQ(fontInKdeglobals("[General][$i]\nfont[$i]=Hack,12\n"), Font("Hack,12"));
     EXPECT_EQ(fontInKdeglobals("[General]\nfont=One\n[KDE]\n[General]\nfont=Two\n"), Font("Two"));
 }

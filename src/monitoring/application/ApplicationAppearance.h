@@ -9,8 +9,8 @@ namespace kestrin {
 /// Light or dark, in plain black and white where the desktop asks for high contrast.
 [[nodiscard]] QPalette paletteFor(const DesktopAppearance& appearance);
 
-/// Gives the whole application that font and those colours, now and whenever it is called again; windows that are open
-/// follow. Widgets are drawn by Fusion, the one style that every Qt has. Main thread.
+/// Gives the whole application that font and those colours, now and whenever it is called again; windows that are
+/// open follow. Widgets are drawn by Fusion, the one style that every Qt has. Main thread.
 void applyAppearance(const DesktopAppearance& appearance);
 
 } // namespace kestrin
