@@ -72,4 +72,9 @@ void applyAppearance(const DesktopAppearance& appearance) {
     if (palette != QApplication::palette()) QApplication::setPalette(palette);
 }
 
+void applyAndFollow(AppearanceFollower& appearance) {
+    applyAppearance(appearance.appearance());
+    appearance.onChange = applyAppearance;
+}
+
 } // namespace kestrin

@@ -31,7 +31,8 @@ namespace {
 using namespace kestrin;
 
 /// The launch cannot go on: says why, in a window that can be seen, and ends.
-int refuseToStart(const std::string& description) {
+int refuseToStart(AppearanceFollower& appearance, const std::string& description) {
+    applyAndFollow(appearance);
     QMessageBox alert(QMessageBox::Critical, "Kestrin", "Kestrin couldn’t prepare its local data");
     alert.setTextFormat(Qt::PlainText);
     alert.setInformativeText(
@@ -96,21 +97,19 @@ int main(int argc, char** argv) {
     }
 
     AppearanceFollower appearance(bus);
-    appearance.onChange = applyAppearance;
-    applyAppearance(appearance.appearance());
 
     const std::expected<StateLocations, std::string> locations = StateLocations::find();
-    if (!locations) return refuseToStart(locations.error());
+    if (!locations) return refuseToStart(appearance, locations.error());
 
     // Without a bus no icon and no second start leads back to a window that was closed, so closing it ends the
     // program.
     QApplication::setQuitOnLastWindowClosed(!bus);
     std::unique_ptr<AppDelegate> delegate;
     try {
-        delegate = std::make_unique<AppDelegate>(
-            locations->stateRoot, bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
+        delegate = std::make_unique<AppDelegate>(locations->stateRoot, appearance,
+            bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
     } catch (const std::exception& error) {
-        return refuseToStart(error.what());
+        return refuseToStart(appearance, error.what());
     }
     lock.onActivate = instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
     const int status = QApplication::exec();
