@@ -13,6 +13,7 @@ import processfiles
 import rounds
 from histories import MB, write_state
 from panel_icon import PanelIcon
+from platformthemes import without_themes
 from registrations import Registrations
 from rows import Result
 from virtual_desktop import VirtualDesktop, wait_until
@@ -43,7 +44,8 @@ class DesktopRows:
     def _starts(self):
         """Start and memory at rest: one program after the other on one desktop."""
         state = few_sites(self._setting.scratch / "few")
-        with desktop_with_panel() as desktop:
+        # A theme would make the yardstick heavier; rows of their own measure that.
+        with without_themes(), desktop_with_panel() as desktop:
             registrations = Registrations(desktop.env["DBUS_SESSION_BUS_ADDRESS"])
             samples = rounds.interleaved(
                 self._setting.rounds, subject=lambda: one_start(desktop, registrations, self._program, state),

@@ -12,6 +12,7 @@ from feeds import FeedRows
 from histories import HistoryRows
 from setting import Setting
 from report import Report
+from themes import ThemeRows
 
 
 def main():
@@ -25,7 +26,7 @@ def main():
     given = arguments.parse_args()
     setting = Setting(given.build, given.scratch, given.rounds, given.quick)
     report = Report(given.json, given.quick, given.rounds)
-    for rows in (AppendRow, CheckRows, FeedRows, HistoryRows, DesktopRows):
+    for rows in (AppendRow, CheckRows, FeedRows, HistoryRows, DesktopRows, ThemeRows):
         try:
             for result in rows(setting).measure(set(given.rows)):
                 report.add(result)

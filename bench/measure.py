@@ -14,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 
+from platformthemes import missing
 from rows import ROWS
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -37,10 +38,16 @@ def parse():
     # Paths are the caller's, who may stand elsewhere than the script that called this.
     caller = pathlib.Path(os.environ.get("KESTRIN_BENCH_CALLER", "."))
     given.json, given.build = caller / given.json, caller / given.build
-    given.rows = list(dict.fromkeys(given.rows + given.only)) or list(ROWS)
-    for row in given.rows:
+    named = list(dict.fromkeys(given.rows + given.only))
+    for row in named:
         if row not in ROWS:
             arguments.error(f"there is no row {row!r}, only {', '.join(ROWS)}")
+    lacking = {row: sentence for row in named or ROWS if (sentence := missing(row))}
+    for sentence in lacking.values():
+        print(sentence, file=sys.stderr)
+    if lacking and named:
+        sys.exit(1)
+    given.rows = [row for row in named or ROWS if row not in lacking]
     given.rounds = given.rounds or (3 if given.quick else 9)
     return given
 

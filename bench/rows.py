@@ -30,6 +30,8 @@ ROWS = {
     "append": Row("one append, CPU", "the same system calls alone", 1.3),
     "idle-pss": Row("idle memory, PSS", "a bare Qt tray program", 1.25),
     "idle-rss": Row("idle memory, RSS", "a bare Qt tray program", 1.25),
+    "idle-rss-gtk": Row("the same where GTK's platform theme is installed", "a bare Qt tray program", 0.85),
+    "idle-rss-plasma": Row("the same in a session of Plasma with its theme", "a bare Qt tray program", 0.35),
     "start": Row("from the start to the registered icon", "a bare Qt tray program", 1.75),
     "wake-ups-stopped": Row("wake-ups in five minutes, stopped", "none", 5, "wake-ups"),
     "wake-ups-between": Row("wake-ups in five minutes, between two checks", "none", 5, "wake-ups"),

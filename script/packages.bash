@@ -2,7 +2,7 @@
 
 packages_to_build=(
     g++ cmake ninja-build pkg-config ccache
-    qt6-base-dev qt6-svg-dev libcurl4-openssl-dev libssl-dev libicu-dev libsimdjson-dev nlohmann-json3-dev
+    qt6-base-dev qt6-svg-dev libxcb1-dev libcurl4-openssl-dev libssl-dev libicu-dev libsimdjson-dev nlohmann-json3-dev
 )
 # What the program itself uses of a desktop that is there, beyond the libraries it links.
 packages_to_run=(qt6-qpa-plugins fonts-dejavu-core ca-certificates)
@@ -13,7 +13,8 @@ packages_for_virtual_desktop=(
 )
 # The private internet: namespaces, servers and certificates.
 packages_for_lab=(python3 iproute2 util-linux nginx-light openssl curl ca-certificates libc-bin)
-packages_to_test=(libgtest-dev libgmock-dev librapidcheck-dev strace)
+# Among them GTK's platform theme for Qt, to be kept out, and a manager of X settings, to be followed.
+packages_to_test=(libgtest-dev libgmock-dev librapidcheck-dev strace qt6-gtk-platformtheme xsettingsd)
 packages_to_sanitize=(clang-19 libclang-rt-19-dev libfuzzer-19-dev)
 packages_for_newcomer=(debootstrap git util-linux)
 packages_to_lint=(clang-format-19 clang-tidy-19 clang-19)

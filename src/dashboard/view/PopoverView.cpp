@@ -1,5 +1,6 @@
 #include "dashboard/view/PopoverView.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLayoutItem>
@@ -33,11 +34,6 @@ QVBoxLayout* addedColumn(QVBoxLayout* layout) {
 
 QLabel* addedHeading(QVBoxLayout* layout, const char* text) {
     QLabel* label = wrappedLabel(layout->parentWidget());
-    QFont bold = label->font();
-    bold.setBold(true);
-    bold.setPointSizeF(bold.pointSizeF() * 1.1);
-    label->setFont(bold);
-    label->setContentsMargins(0, label->fontMetrics().height() / 2, 0, 0);
     label->setText(text);
     layout->addWidget(label);
     return label;
@@ -59,11 +55,7 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
       websites_(addedColumn(rowLayout_)), servicesTitle_(addedHeading(rowLayout_, "Services")),
       services_(addedColumn(rowLayout_)), startStop_(new QPushButton(this)), checkNow_(new QPushButton(this)),
       quit_(new QPushButton(this)) {
-    QFont heading = font();
-    heading.setBold(true);
-    panelTitle_->setFont(heading);
-    heading.setPointSizeF(heading.pointSizeF() * 1.25);
-    title_->setFont(heading);
+    setHeadingFonts();
     panelTitle_->setAlignment(Qt::AlignCenter);
     panelDescription_->setAlignment(Qt::AlignCenter);
 
@@ -101,6 +93,23 @@ PopoverView::PopoverView(Actions actions, QWidget* parent)
     for (auto [button, action] : {std::pair(startStop_, actions.startOrStop),
              std::pair(checkNow_, actions.checkNow), std::pair(quit_, actions.quit)})
         connect(button, &QPushButton::clicked, this, [run = action] { run(); });
+}
+
+// A font whose size was set no longer follows that of the application.
+void PopoverView::setHeadingFonts() {
+    QFont heading = font();
+    heading.setBold(true);
+    panelTitle_->setFont(heading);
+    heading.setPointSizeF(font().pointSizeF() * 1.25);
+    title_->setFont(heading);
+    heading.setPointSizeF(font().pointSizeF() * 1.1);
+    servicesTitle_->setFont(heading);
+    servicesTitle_->setContentsMargins(0, servicesTitle_->fontMetrics().height() / 2, 0, 0);
+}
+
+void PopoverView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) setHeadingFonts();
 }
 
 // As high as the list is long, between two bounds; beyond them the list scrolls.

@@ -29,7 +29,11 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void setHeadingFonts();
     void showCheckNow(const DashboardButton& content);
     void showPanel(const std::optional<DashboardPanel>& panel);
     void showNotices(const std::vector<std::string>& notices);

@@ -1,6 +1,7 @@
 #include "monitoring/application/AppDelegate.h"
 
 #include "dashboard/DashboardContent.h"
+#include "monitoring/application/ApplicationAppearance.h"
 #include "platform/EventProcessing.h"
 
 #include <QApplication>
@@ -17,9 +18,9 @@ constexpr std::chrono::seconds shutdownPatience{2};
 
 } // namespace
 
-AppDelegate::AppDelegate(
-    const std::filesystem::path& stateRoot, std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices)
-    : formats_(LocaleFormats::fromEnvironment()), launchNotices_(std::move(launchNotices)),
+AppDelegate::AppDelegate(const std::filesystem::path& stateRoot, AppearanceFollower& appearance,
+    std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices)
+    : appearance_(appearance), formats_(LocaleFormats::fromEnvironment()), launchNotices_(std::move(launchNotices)),
       graph_(stateRoot, executor_, clock_), tray_(std::move(tray)) {
     modelChanges_ = graph_.model().onChange([this] { modelChanged(); });
     if (tray_) {
@@ -32,6 +33,7 @@ AppDelegate::AppDelegate(
 
 PopoverWindow& AppDelegate::window() {
     if (window_) return *window_;
+    applyAndFollow(appearance_);
     view_ = new PopoverView({.startOrStop = [this] { startOrStop(); },
         .checkNow = [this] { graph_.model().checkNow(); },
         .quit = [] { QApplication::quit(); }});

@@ -3,6 +3,7 @@
 #include "dashboard/view/PopoverView.h"
 #include "dashboard/view/PopoverWindow.h"
 #include "monitoring/application/MonitoringGraph.h"
+#include "platform/AppearanceFollower.h"
 #include "platform/QtExecutor.h"
 #include "platform/TimerfdClock.h"
 #include "platform/TrayIcon.h"
@@ -20,9 +21,10 @@ namespace kestrin {
 /// icon and the popover to the model, and shuts everything down. Main thread.
 class AppDelegate {
 public:
-    /// `tray` may be null: without a session bus there is no panel to show an icon in.
-    AppDelegate(const std::filesystem::path& stateRoot, std::unique_ptr<TrayIcon> tray,
-        std::vector<std::string> launchNotices);
+    /// `appearance` outlives the object. `tray` may be null: without a session bus there is no panel to show an
+    /// icon in.
+    AppDelegate(const std::filesystem::path& stateRoot, AppearanceFollower& appearance,
+        std::unique_ptr<TrayIcon> tray, std::vector<std::string> launchNotices);
 
     /// The program was started again, or its desktop asks for it: shows the dashboard.
     void activate(const std::string& activationToken);
@@ -42,6 +44,7 @@ private:
     PopoverWindow& window();
     PopoverWindow& windowInStyle();
 
+    AppearanceFollower& appearance_;
     QtExecutor executor_;
     TimerfdClock clock_;
     LocaleFormats formats_;

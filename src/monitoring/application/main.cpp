@@ -1,5 +1,8 @@
 #include "http/ProcessEnvironment.h"
 #include "monitoring/application/AppDelegate.h"
+#include "monitoring/application/ApplicationAppearance.h"
+#include "platform/AppearanceFollower.h"
+#include "platform/HiddenVariables.h"
 #include "platform/InstanceLock.h"
 #include "platform/SessionBus.h"
 #include "platform/SingleInstance.h"
@@ -28,7 +31,8 @@ namespace {
 using namespace kestrin;
 
 /// The launch cannot go on: says why, in a window that can be seen, and ends.
-int refuseToStart(const std::string& description) {
+int refuseToStart(AppearanceFollower& appearance, const std::string& description) {
+    applyAndFollow(appearance);
     QMessageBox alert(QMessageBox::Critical, "Kestrin", "Kestrin couldn’t prepare its local data");
     alert.setTextFormat(Qt::PlainText);
     alert.setInformativeText(
@@ -57,7 +61,10 @@ int main(int argc, char** argv) {
     const Launch launch = takeLaunchFromEnvironment();
     TerminationSignals::block();
 
+    // Font and colours come from the desktop's settings instead; see AppearanceFollower.
+    HiddenVariables themeVariables(platformThemeVariables);
     QApplication application(argc, argv);
+    themeVariables.restore();
     QApplication::setApplicationName("Kestrin");
     QApplication::setApplicationVersion(KESTRIN_VERSION);
     QGuiApplication::setDesktopFileName("app.kestrin.Kestrin");
@@ -89,18 +96,20 @@ int main(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
 
+    AppearanceFollower appearance(bus);
+
     const std::expected<StateLocations, std::string> locations = StateLocations::find();
-    if (!locations) return refuseToStart(locations.error());
+    if (!locations) return refuseToStart(appearance, locations.error());
 
     // Without a bus no icon and no second start leads back to a window that was closed, so closing it ends the
     // program.
     QApplication::setQuitOnLastWindowClosed(!bus);
     std::unique_ptr<AppDelegate> delegate;
     try {
-        delegate = std::make_unique<AppDelegate>(
-            locations->stateRoot, bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
+        delegate = std::make_unique<AppDelegate>(locations->stateRoot, appearance,
+            bus ? std::make_unique<StatusNotifierItem>(*bus) : nullptr, std::move(notices));
     } catch (const std::exception& error) {
-        return refuseToStart(error.what());
+        return refuseToStart(appearance, error.what());
     }
     lock.onActivate = instance.onActivate = [&delegate](const std::string& token) { delegate->activate(token); };
     const int status = QApplication::exec();
