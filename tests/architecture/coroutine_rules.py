@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Refuses two ways of writing coroutines that lead to memory errors.
+"""Refuses three ways of writing coroutines that lead to memory errors.
 
 1. A lambda or a braced temporary built inside a co_await expression: g++ 12 destroys some of them twice. Name the
    value first, then `co_await f(std::move(value))`. A braced value around a co_await is refused for the same reason.
 2. A coroutine lambda with captures: the captures live in the lambda, which is gone at the first suspension.
+3. A task that no scope owns: nobody would wait for its end before what it uses is destroyed. Only the join of the
+   outermost scope is started by itself. The runtime, a folder named "tasks", is free to.
 
 Usage: coroutine_rules.py SOURCE_FOLDER...
 Before it reads anything it proves on planted examples that it finds each of them.
@@ -77,7 +79,15 @@ def without_nested_lambdas(body):
     return body
 
 
-def offences(source):
+def unowned_tasks(text):
+    """Where a task is started by itself, unless it joins a scope."""
+    for match in re.finditer(r"(?<![\w.>:])spawn\(", text):
+        arguments = text[match.start():closing_index(text, match.end() - 1)]
+        if not arguments.endswith(".join()"):
+            yield match.start()
+
+
+def offences(source, is_runtime=False):
     text = blank_out(source)
     found = []
 
@@ -97,6 +107,9 @@ def offences(source):
     for start, captures, body in lambdas(text):
         if captures and re.search(r"\bco_(await|return|yield)\b", without_nested_lambdas(body[1:-1])):
             tell(start, "a coroutine lambda has captures")
+    if not is_runtime:
+        for start in unowned_tasks(text):
+            tell(start, "a task is started outside every scope")
     return sorted(found)
 
 
@@ -113,6 +126,8 @@ PLANTED = [
     "auto task = [this]() -> Task<> { co_await sleepUntil(clock, when); };",
     "auto task = [x]() -> Task<int> { co_return x; };",
     "run([&world](int seed) -> Task<int> { if (seed) { co_return 1; } co_return 2; });",
+    "handle_ = spawn(executor, work());",
+    "const TaskHandle<> task =\n    spawn(executor, wait(scope.join(), 1));",
     "auto task = [x = 1] { auto f = [] { return 1; }; co_return f(); };",
 ]
 HARMLESS = [
@@ -127,6 +142,8 @@ HARMLESS = [
     "auto make = [x] { auto task = []() -> Task<int> { co_return 1; }; return task(); };",
     "const int million = 1'000'000; auto f = [x] { return x; }; const char c = '{';",
     "Awaiter operator co_await() && { return Awaiter(frame_); }",
+    "const TaskHandle<> end = spawn(executor, scope.join());",
+    "tasks_.spawn(executor, work()); scope->spawn(executor, work()); respawn(1);",
     "[[nodiscard]] Task<int> f() { co_return values[0]; }",
 ]
 
@@ -148,7 +165,7 @@ def main():
         sys.exit("no source file was found")
     count = 0
     for path in files:
-        for line, what in offences(path.read_text(encoding="utf-8")):
+        for line, what in offences(path.read_text(encoding="utf-8"), path.parent.name == "tasks"):
             print(f"{path}:{line}: {what}")
             count += 1
     print(f"{len(files)} files read, {count} offences")

@@ -1,8 +1,7 @@
 #include "tasks/Concurrently.h"
 
-#include "fakes/ManualExecutor.h"
-#include "fakes/VirtualClock.h"
 #include "tasks/Sleep.h"
+#include "tasks/VirtualTimeTest.h"
 
 #include <gtest/gtest.h>
 
@@ -45,21 +44,7 @@ std::vector<Task<int>> afterEach(Clock& clock, const Numbers& numbers) {
     return tasks;
 }
 
-class Concurrency : public testing::Test {
-protected:
-    void passSeconds(int count) {
-        executor.runUntilIdle();
-        for (int second = 0; second < count; ++second) {
-            clock.advance(seconds(1));
-            executor.runUntilIdle();
-        }
-    }
-
-    ManualExecutor executor;
-    VirtualClock clock;
-};
-
-using WhenAll = Concurrency;
+using WhenAll = VirtualTimeTest;
 
 TEST_F(WhenAll, givesTheResultsInTheGivenOrder) {
     const TaskHandle<Numbers> handle = spawn(executor, whenAll(afterEach(clock, {3, 1, 2})));
@@ -154,7 +139,7 @@ Task<int> item(Clock& clock, int number, Started& started) {
     co_return result;
 }
 
-class BoundedMap : public Concurrency {
+class BoundedMap : public VirtualTimeTest {
 protected:
     TaskHandle<Numbers> map(Numbers numbers, std::size_t limit) {
         return spawn(executor,
@@ -288,7 +273,7 @@ Task<std::vector<Executor*>> thereAndBack(Executor& other) {
     co_return seen;
 }
 
-using RunningElsewhere = Concurrency;
+using RunningElsewhere = VirtualTimeTest;
 
 TEST_F(RunningElsewhere, runsThereAndComesBackToItsOwnExecutor) {
     ManualExecutor other;

@@ -1,9 +1,8 @@
 #include "tasks/FifoGate.h"
 
-#include "fakes/ManualExecutor.h"
-#include "fakes/VirtualClock.h"
 #include "tasks/Sleep.h"
 #include "tasks/Spawn.h"
+#include "tasks/VirtualTimeTest.h"
 
 #include <gtest/gtest.h>
 
@@ -49,18 +48,8 @@ Task<Executor*> executorInside(FifoGate& gate) {
     co_return context.executor;
 }
 
-class AGate : public testing::Test {
+class AGate : public VirtualTimeTest {
 protected:
-    void passSeconds(int count) {
-        executor.runUntilIdle();
-        for (int second = 0; second < count; ++second) {
-            clock.advance(seconds(1));
-            executor.runUntilIdle();
-        }
-    }
-
-    ManualExecutor executor;
-    VirtualClock clock;
     FifoGate gate;
     Log log;
 };

@@ -1,11 +1,10 @@
 #include "tasks/TaskScope.h"
 
-#include "fakes/ManualExecutor.h"
 #include "fakes/ManualPool.h"
-#include "fakes/VirtualClock.h"
 #include "tasks/Concurrently.h"
 #include "tasks/Offload.h"
 #include "tasks/Sleep.h"
+#include "tasks/VirtualTimeTest.h"
 
 #include <gtest/gtest.h>
 
@@ -41,18 +40,8 @@ Task<int> compute(BlockingPool& pool) {
     co_return co_await std::move(waiting);
 }
 
-class AScope : public testing::Test {
+class AScope : public VirtualTimeTest {
 protected:
-    void passSeconds(int count) {
-        executor.runUntilIdle();
-        for (int second = 0; second < count; ++second) {
-            clock.advance(seconds(1));
-            executor.runUntilIdle();
-        }
-    }
-
-    ManualExecutor executor;
-    VirtualClock clock;
     ManualPool pool;
     TaskScope scope;
 };
