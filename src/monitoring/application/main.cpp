@@ -9,6 +9,7 @@
 #include "platform/StateLocations.h"
 #include "platform/StatusNotifierItem.h"
 #include "platform/TerminationSignals.h"
+#include "platform/WindowDecoration.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -61,6 +62,7 @@ int main(int argc, char** argv) {
     const Launch launch = takeLaunchFromEnvironment();
     TerminationSignals::block();
 
+    nameWindowDecoration();
     // Font and colours come from the desktop's settings instead; see AppearanceFollower.
     HiddenVariables themeVariables(platformThemeVariables);
     QApplication application(argc, argv);

@@ -1,0 +1,36 @@
+#include "platform/WindowDecoration.h"
+
+#include "platform/SavedEnvironment.h"
+
+#include <gtest/gtest.h>
+
+namespace kestrin {
+
+class TheWindowDecoration : public testing::Test {
+protected:
+    QByteArray named(const QByteArray& desktop, const QByteArray& before = {}) {
+        qputenv("XDG_CURRENT_DESKTOP", desktop);
+        qunsetenv("QT_WAYLAND_DECORATION");
+        if (!before.isEmpty()) qputenv("QT_WAYLAND_DECORATION", before);
+        nameWindowDecoration();
+        return qgetenv("QT_WAYLAND_DECORATION");
+    }
+
+    test::SavedEnvironment saved{"XDG_CURRENT_DESKTOP", "QT_WAYLAND_DECORATION"};
+};
+
+TEST_F(TheWindowDecoration, isGNOMEsOnGNOME) {
+    EXPECT_EQ(named("GNOME"), "adwaita");
+    EXPECT_EQ(named("ubuntu:GNOME"), "adwaita");
+}
+
+TEST_F(TheWindowDecoration, isLeftToQtElsewhere) {
+    EXPECT_EQ(named("KDE"), "");
+    EXPECT_EQ(named(""), "");
+}
+
+TEST_F(TheWindowDecoration, isTheUsersWhereOneIsNamed) {
+    EXPECT_EQ(named("GNOME", "bradient"), "bradient");
+}
+
+} // namespace kestrin
