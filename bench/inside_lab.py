@@ -13,6 +13,7 @@ from histories import HistoryRows
 from setting import Setting
 from report import Report
 from themes import ThemeRows
+from waiting import WaitInVain
 
 
 def main():
@@ -30,7 +31,7 @@ def main():
         try:
             for result in rows(setting).measure(set(given.rows)):
                 report.add(result)
-        except (OSError, RuntimeError, subprocess.SubprocessError) as error:
+        except (OSError, RuntimeError, WaitInVain, subprocess.SubprocessError) as error:
             print(f"{rows.__name__}: {error}", file=sys.stderr)
             return 1
     return 0

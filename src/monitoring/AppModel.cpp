@@ -138,9 +138,11 @@ Task<> AppModel::waitForReload(Reference self) {
     }
 }
 
-// A file that was damaged for a moment must not end all checks until somebody opens the dashboard.
+// A file that was damaged for a moment must not end checks until somebody opens the dashboard. A load costs little
+// where the histories did not change, but it would throw away the results of a cycle in flight.
 void AppModel::reloadAfterFailure() {
-    if (loadError_ && !isLoading_) reload();
+    const bool wasIncomplete = loadError_ || customProviderIssue_;
+    if (wasIncomplete && !isLoading_ && !isChecking_) reload();
 }
 
 std::span<const SiteSnapshot> AppModel::visibleSnapshots() const {
@@ -160,7 +162,7 @@ void AppModel::selectSite(const std::string& id) {
     if (!isShown(id, visibleSnapshots())) return;
     if (isLoading_) {
         // Written now, it would look to the load like somebody else's change.
-        choiceDuringLoad_ = id;
+        choiceDuringLoad_ = ChoiceDuringLoad{.id = id};
     } else if (configuration_->activeSiteID != id) {
         try {
             rememberChoice(id);
@@ -180,7 +182,10 @@ void AppModel::rememberChoice(const std::string& id) {
         return collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
     };
     // Somebody has written the file since it was loaded, and the model's copy would undo that.
-    if (revisionOnDisk() != configurationRevision_) return reload();
+    if (revisionOnDisk() != configurationRevision_) {
+        choiceDuringLoad_ = ChoiceDuringLoad{.id = id, .isToBeStored = false};
+        return reload();
+    }
     SiteConfiguration chosen = *configuration_;
     chosen.activeSiteID = id;
     ++ownWrites_;
@@ -191,7 +196,8 @@ void AppModel::rememberChoice(const std::string& id) {
 }
 
 void AppModel::storeChoiceOfLoad() {
-    if (const std::optional<std::string> id = std::exchange(choiceDuringLoad_, std::nullopt)) selectSite(*id);
+    const std::optional<ChoiceDuringLoad> choice = std::exchange(choiceDuringLoad_, std::nullopt);
+    if (choice && choice->isToBeStored) selectSite(choice->id);
 }
 
 void AppModel::setSelectedProviderID(std::string id) {

@@ -68,8 +68,9 @@ public:
     /// Reloads if a file has a revision that the model neither knows nor made. Nothing while a load or a comparison
     /// runs.
     void refreshIfStateChanged();
-    /// Shows a website and remembers the choice in "sites.json": during a load once that has ended, and never over
-    /// a file that somebody else has written since the last load, which is then loaded.
+    /// Shows a website and remembers the choice in "sites.json": during a load once that has ended, unless the
+    /// program ends first. Where somebody else has written the file since the last load, it is loaded instead, and
+    /// the choice counts until the program ends.
     void selectSite(const std::string& id);
     /// The program ends: stops everything and starts nothing more.
     void shutdown();
@@ -177,7 +178,12 @@ private:
     CustomProviderConfiguration customProviderConfiguration_;
     HistoryFileRevision configurationRevision_;
     HistoryFileRevision customProviderRevision_;
-    std::optional<std::string> choiceDuringLoad_; ///< to be stored once the load has ended
+    /// A website chosen while a load runs, which outlasts the load.
+    struct ChoiceDuringLoad {
+        std::string id;
+        bool isToBeStored = true; ///< once the load has ended
+    };
+    std::optional<ChoiceDuringLoad> choiceDuringLoad_;
     /// Files that the model itself has written so far: between two looks at the disk, a difference may be its own.
     std::uint64_t ownWrites_ = 0;
     /// Whose snapshots lack a line of another program, though their revisions are those of the files.

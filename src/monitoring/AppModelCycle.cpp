@@ -54,8 +54,8 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
         Task<> cycle = performCycle(self, context, ticket, std::move(runner), trigger);
         co_await std::move(cycle);
     } catch (const std::exception& error) {
-        // Neither checks nor notifications throw; were one to do so, the loop must go on and the user hear of it,
-        // unless the cycle has been given up, which is silent.
+        // Neither checks nor notifications throw. If one does, the loop goes on and the user is told, unless the
+        // cycle was cancelled.
         AppModel* const model = self.get();
         if (model && !context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {
             model->operationError_ = std::string("The checks broke off: ") + error.what();

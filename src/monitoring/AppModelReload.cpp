@@ -3,7 +3,6 @@
 #include "monitoring/MonitoredTargets.h"
 #include "monitoring/Selection.h"
 #include "tasks/Offload.h"
-#include "tasks/Spawn.h"
 
 #include <algorithm>
 #include <exception>
@@ -42,10 +41,8 @@ void AppModel::reload() {
     if (revisionRefreshTask_) revisionRefreshTask_.cancel();
     revisionRefreshTask_.reset();
     isLoading_ = true;
-    reloadTask_ =
-
-        tasks_.spawn(collaborators_.mainExecutor,
-            runReload(self_.reference(), policyGeneration_, std::move(previousActiveSiteID)));
+    reloadTask_ = tasks_.spawn(collaborators_.mainExecutor,
+        runReload(self_.reference(), policyGeneration_, std::move(previousActiveSiteID)));
     announceChange();
 }
 
@@ -152,7 +149,8 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
     providerSnapshots_ = std::move(loaded.providerSnapshots);
     selectedSiteID_ = reconciledSiteSelection(
         selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
-    if (choiceDuringLoad_ && isShown(*choiceDuringLoad_, visibleSnapshots())) selectedSiteID_ = *choiceDuringLoad_;
+    if (choiceDuringLoad_ && isShown(choiceDuringLoad_->id, visibleSnapshots()))
+        selectedSiteID_ = choiceDuringLoad_->id;
     selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
     isFirstRun_ = false;
     loadError_.reset();
@@ -160,8 +158,8 @@ void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::str
 
 void AppModel::refreshIfStateChanged() {
     if (isLoading_ || revisionRefreshTask_) return;
-    // After a failure nothing is known of what is on disk; of incomplete histories the revisions are, but not all
-    // of their lines.
+    // After a failure nothing is known of what is on disk. Incomplete histories have known revisions but lack
+    // lines.
     if (loadError_ || !incompleteHistories_.empty()) return reload();
     revisionRefreshTask_ = tasks_.spawn(collaborators_.mainExecutor, runRevisionRefresh(self_.reference()));
 }
@@ -195,7 +193,8 @@ Task<> AppModel::runRevisionRefresh(Reference self) {
     AppModel* const model = self.get();
     if (!model || context.isCancelled()) co_return;
     model->revisionRefreshTask_.reset();
-    if (!isUnchanged) model->reload();
+    // A foreign line just before one of the model's own leaves the revisions equal, but is known to be missing.
+    if (!isUnchanged || !model->incompleteHistories_.empty()) model->reload();
 }
 
 // All but those in whose files somebody else has written a line that nobody has read.

@@ -1,4 +1,5 @@
 #include "monitoring/ModelLoader.h"
+
 #include "tasks/CancellationError.h"
 
 #include <exception>

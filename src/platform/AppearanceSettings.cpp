@@ -17,8 +17,11 @@ constexpr double mostTextScale = 3;
 
 std::optional<FontName> fontOf(const AppearanceSettings& settings) {
     switch (settings.desktop) {
-    case DesktopKind::Gnome:
-        return settings.gnomeFont ? fontFromPango(*settings.gnomeFont) : std::nullopt;
+    case DesktopKind::Gnome: {
+        const auto font = settings.gnomeFont ? fontFromPango(*settings.gnomeFont) : std::nullopt;
+        // Without a portal GNOME still announces its font to X programs.
+        return font || !settings.xFont ? font : fontFromPango(*settings.xFont);
+    }
     case DesktopKind::Plasma: {
         const auto font = settings.plasmaFont ? fontFromQt(*settings.plasmaFont) : std::nullopt;
         return font ? font : FontName{"Noto Sans", 10};

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace kestrin {
 

@@ -4,6 +4,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QMap>
+#include <limits>
 #include <utility>
 
 namespace kestrin {
@@ -36,10 +37,12 @@ void PortalSettings::start() {
     for (const QString& name : namespaces_)
         bus_.connect({}, portalPath, portalInterface, QStringLiteral("SettingChanged"), {name},
             QStringLiteral("ssv"), this, SLOT(changed(QString, QString, QDBusVariant)));
-    const auto* watcher =
-        new QDBusServiceWatcher(portalName, bus_, QDBusServiceWatcher::WatchForRegistration, this);
+    const auto* watcher = new QDBusServiceWatcher(portalName, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     // Starting it once is enough: one that ends over this question would be started for ever.
-    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(false); });
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString&, const QString&, const QString& newOwner) {
+            if (!newOwner.isEmpty()) readAll(false);
+        });
     readAll(true);
 }
 
@@ -47,7 +50,8 @@ void PortalSettings::readAll(bool startsPortal) {
     auto call = QDBusMessage::createMethodCall(portalName, portalPath, portalInterface, QStringLiteral("ReadAll"));
     call.setAutoStartService(startsPortal);
     call << namespaces_;
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    // Nothing waits for the answer, and a portal that is slow at login is not asked again: no time limit.
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, std::numeric_limits<int>::max()), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
         finished->deleteLater();
         take(finished->reply());

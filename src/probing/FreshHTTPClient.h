@@ -53,8 +53,8 @@ public:
     explicit FreshHTTPClient(FreshHTTPServices services);
 
     /// Throws `SecureHTTPError` for what was refused, `TransportError` for what failed and `CancellationError`.
-    /// A cancellation ends the wait at once, but for the resolution of the first host and the turn for it. That
-    /// resolution is not part of the request's time; it has the limit of the resolver.
+    /// A cancellation ends the wait at once, but for the resolution of the first host. That resolution is not part
+    /// of the request's time; it has the limit of the resolver.
     [[nodiscard]] Task<FreshHTTPResponse> fetch(HTTPRequest request, SecureRequestPolicy policy) const;
 
 private:

@@ -8,8 +8,8 @@
 namespace kestrin {
 
 /// A serial owner of its own without a thread of its own: what is posted runs in order on the pool's threads, which
-/// are asked for only while there is something to run. Any thread. A pool without any thread to give lets the work
-/// wait until the next post; one with a standing thread always has one.
+/// are asked for only while there is something to run. Any thread. If the pool cannot start
+/// a thread, work waits until the next post; a pool with a standing thread always has one.
 class SerialExecutor : public Executor {
 public:
     explicit SerialExecutor(BlockingPool& pool);

@@ -18,7 +18,7 @@ struct Driver {
     std::coroutine_handle<promise_type> frame;
 };
 
-/// `membership` lasts as long as the task and goes last.
+/// `membership` ends after the result has been announced.
 template <class T, class Membership>
 Driver drive(Membership membership, Task<T> task, std::shared_ptr<TaskState<T>> state) {
     Outcome<T> outcome;

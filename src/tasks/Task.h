@@ -91,8 +91,8 @@ template <> struct PromiseResult<void> : PromiseBase {
 
 } // namespace detail
 
-/// A lazy coroutine: nothing runs until it is awaited or spawned, which may happen once. Move-only; destroying one
-/// that has not finished destroys its frame, which only a task that was never started may meet.
+/// A lazy coroutine: nothing runs until it is awaited or spawned, which may happen once. Move-only. Destroying it
+/// destroys its frame; only a task that was never started may be destroyed unfinished.
 template <class T = void> class [[nodiscard]] Task {
 public:
     using Result = T;

@@ -118,8 +118,9 @@ void ThreadPool::submit(Work work) {
     std::vector<std::thread> ended;
     {
         const std::lock_guard guard(state_->mutex);
-        ended.swap(state_->ended);
         if (!state_->closed || work.isTurn) hire(work);
+        // Last: `hire` may throw, and threads that ended must be joined.
+        ended.swap(state_->ended);
     }
     // What was not taken is dropped here, without the lock: whoever waits for it may want something of this pool.
     work = {};

@@ -81,7 +81,7 @@ def without_nested_lambdas(body):
 
 def unowned_tasks(text):
     """Where a task is started by itself, unless it joins a scope."""
-    for match in re.finditer(r"(?<![\w.>:])spawn\(", text):
+    for match in re.finditer(r"(?:(?<![\w.>:])|(?<!\w)(?:kestrin)?::)spawn\(", text):
         arguments = text[match.start():closing_index(text, match.end() - 1)]
         if not arguments.endswith(".join()"):
             yield match.start()
@@ -127,6 +127,8 @@ PLANTED = [
     "auto task = [x]() -> Task<int> { co_return x; };",
     "run([&world](int seed) -> Task<int> { if (seed) { co_return 1; } co_return 2; });",
     "handle_ = spawn(executor, work());",
+    "kestrin::spawn(executor, work());",
+    "::spawn(executor, work());",
     "const TaskHandle<> task =\n    spawn(executor, wait(scope.join(), 1));",
     "auto task = [x = 1] { auto f = [] { return 1; }; co_return f(); };",
 ]

@@ -6,7 +6,7 @@ on, so connect(desktop.env) comes first. A control that went away while it was l
 
 import os
 
-# Newer releases of the accessibility library call some roles otherwise. Here one vocabulary holds for all.
+# Newer releases of the accessibility library have other names for some roles. Here one vocabulary holds for all.
 ROLES = {"push button": "button"}
 _atspi = None
 
@@ -68,10 +68,15 @@ def _toolkit(node):
         return None
 
 
+def applications_of(process_id):
+    """Everything that a process has registered."""
+    return [node for node in applications() if _process(node) == process_id]
+
+
 def application_of(process_id):
     """The accessible root of a running program, or None. Libraries that a Qt program loads may register further,
     empty applications for it."""
-    own = [node for node in applications() if _process(node) == process_id]
+    own = applications_of(process_id)
     return next((node for node in own if _toolkit(node) == "Qt"), None) or next(filter(_children, own), None)
 
 

@@ -11,9 +11,8 @@ import subprocess
 
 import accessible
 import desktop_test
-from desktop_test import PATIENCE, process_of, spot
+from desktop_test import PATIENCE, spot
 from fake_portal import SettingsPortal
-from virtual_desktop import wait_until
 
 GNOME = {"XDG_CURRENT_DESKTOP": "GNOME", "DESKTOP_SESSION": "gnome", "GNOME_DESKTOP_SESSION_ID": "this-is-deprecated"}
 XFCE = {"XDG_CURRENT_DESKTOP": "XFCE", "DESKTOP_SESSION": "xfce"}
@@ -55,8 +54,7 @@ class ThemesTest(desktop_test.DesktopTest):
 
     def assert_is_one_application_that_can_be_driven(self):
         self.open_dashboard()
-        own = [node for node in accessible.applications() if process_of(node) == self.program.pid]
-        self.assertEqual(len(own), 1)
+        self.assertEqual(len(accessible.applications_of(self.program.pid)), 1)
         self.press("Start")
         self.wait_for_text("Monitoring active")
         self.wait_for_lines(self.sites, 1)
@@ -133,7 +131,7 @@ class TheSettings(ThemesTest):
         return float(self.desktop.run(["convert", picture, "-format", "%[fx:p{4,4}.g]", "info:"]))
 
     def height(self, text):
-        return spot(wait_until(lambda: accessible.find(self.application(), text, "label"), PATIENCE, repr(text)))[3]
+        return spot(self.wait_until(lambda: accessible.find(self.application(), text, "label"), repr(text)))[3]
 
     def heights(self):
         """Of a heading and of ordinary text."""
@@ -142,27 +140,27 @@ class TheSettings(ThemesTest):
     def wait_for_heights(self, factor, before):
         def have_changed():
             return all(abs(now / old - factor) < 0.15 for now, old in zip(self.heights(), before))
-        wait_until(have_changed, PATIENCE, f"texts {factor} times as high as {before}")
+        self.wait_until(have_changed, f"texts {factor} times as high as {before}")
 
     def test_dark_and_light_are_followed(self):
         portal = self.start_portal()
         portal.set(APPEARANCE, "color-scheme", "uint32 1")
         self.start_program(environment=GNOME)
         self.open_dashboard()
-        wait_until(lambda: self.brightness() < 0.25, PATIENCE, "a dark window")
+        self.wait_until(lambda: self.brightness() < 0.25, "a dark window")
         portal.set(APPEARANCE, "color-scheme", "uint32 2")
-        wait_until(lambda: self.brightness() > 0.85, PATIENCE, "a light window")
+        self.wait_until(lambda: self.brightness() > 0.85, "a light window")
         portal.set(APPEARANCE, "color-scheme", "uint32 1")
-        wait_until(lambda: self.brightness() < 0.25, PATIENCE, "a dark window")
+        self.wait_until(lambda: self.brightness() < 0.25, "a dark window")
 
     def test_contrast_is_followed(self):
         portal = self.start_portal()
         portal.set(APPEARANCE, "color-scheme", "uint32 1")
         self.start_program(environment=GNOME)
         self.open_dashboard()
-        wait_until(lambda: 0.05 < self.brightness() < 0.25, PATIENCE, "a dark window")
+        self.wait_until(lambda: 0.05 < self.brightness() < 0.25, "a dark window")
         portal.set(APPEARANCE, "contrast", "uint32 1")
-        wait_until(lambda: self.brightness() == 0, PATIENCE, "a black window")
+        self.wait_until(lambda: self.brightness() == 0, "a black window")
 
     def test_font_and_text_scale_of_gnome_are_followed(self):
         portal = self.start_portal()
@@ -227,7 +225,7 @@ class TheSettings(ThemesTest):
     def start_settings_manager(self, points, more=""):
         self.write_settings(points, more)
         manager = self.desktop.spawn(["xsettingsd", "-c", str(self.data / "xsettings")])
-        wait_until(lambda: "Gtk/FontName" in self.announced_settings(), PATIENCE, "the settings manager")
+        self.desktop.wait_until(lambda: "Gtk/FontName" in self.announced_settings(), "the settings manager")
         self.addCleanup(manager.wait)
         self.addCleanup(manager.kill)
         return manager

@@ -14,7 +14,7 @@ import signal
 import subprocess
 import tempfile
 
-from waiting import how_it_ended, wait_until
+from waiting import WaitInVain, how_it_ended, wait_until
 
 PANEL_CONFIGURATION = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
@@ -258,8 +258,12 @@ class VirtualDesktop:
         self.env["DBUS_SESSION_BUS_ADDRESS"] = address
         self._spawn_part("the session bus", [
             "dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address], "bus")
-        self.wait_until(lambda: os.path.exists(path) and self._call_bus("NameHasOwner", "org.freedesktop.DBus"),
-                        "the session bus")
+        try:
+            self.wait_until(lambda: os.path.exists(path) and self._call_bus("NameHasOwner", "org.freedesktop.DBus"),
+                            "the session bus")
+        except WaitInVain as vain:
+            with open(self.log_path("bus"), encoding="utf-8", errors="replace") as log:
+                raise WaitInVain(f"{vain}: {log.read()}") from None
 
     def _start_accessibility(self):
         self.env.pop("NO_AT_BRIDGE")

@@ -170,6 +170,34 @@ TEST_F(MonitoringLoop, loadsAgainBeforeACycleAfterALoadThatFailed) {
     EXPECT_TRUE(model->isMonitoring());
 }
 
+TEST_F(MonitoringLoop, loadsAgainBeforeACycleWhileTheAddedServicesCouldNotBeRead) {
+    answerChecksAtOnce();
+    customProviders->loadFailure = "Too many open files";
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    ASSERT_TRUE(model->customProviderIssue().has_value());
+    customProviders->loadFailure.reset();
+    advance(seconds(300));
+    EXPECT_EQ(model->customProviderIssue(), std::nullopt);
+    EXPECT_EQ(writer.appended.size(), 2U);
+}
+
+TEST_F(MonitoringLoop, loadsNothingWhileACycleIsInFlightThoughTheAddedServicesCouldNotBeRead) {
+    customProviders->loadFailure = "Too many open files";
+    load(configurationOf({"a"}));
+    model->startMonitoring();
+    settle();
+    answerChecks();
+    model->checkNow();
+    settle();
+    ASSERT_TRUE(model->isChecking());
+    advance(seconds(300));
+    EXPECT_TRUE(model->isChecking());
+    answerChecks();
+    EXPECT_EQ(writer.appended.size(), 2U);
+}
+
 TEST_F(MonitoringLoop, startedAfterALoadThatFailedLoadsAgainFirst) {
     answerChecksAtOnce();
     writeSitesText("nonsense");

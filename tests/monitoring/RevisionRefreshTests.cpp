@@ -85,6 +85,18 @@ TEST_F(RefreshingWhenTheStateChanged, reloadsForAForeignLineThatCameAlongWithThe
     EXPECT_EQ(snapshot("b").history, historyOnDisk("b"));
 }
 
+TEST_F(RefreshingWhenTheStateChanged, reloadsForAForeignLineThatCameJustBeforeTheModelsOwn) {
+    loadWithServices();
+    model->checkNow();
+    settle();
+    model->refreshIfStateChanged();
+    main.runUntilIdle();
+    (void)files.appendCheck(checkOf("b", false));
+    answerChecks();
+    EXPECT_EQ(reloads(), 1U);
+    EXPECT_EQ(snapshot("b").history, historyOnDisk("b"));
+}
+
 TEST_F(RefreshingWhenTheStateChanged, atAnyMomentOfABusyCycleNeverReloadsForTheModelsOwnLines) {
     // A cycle is due all the time, and the popover is opened after any number of steps of the main thread.
     loadWithServices();

@@ -278,6 +278,16 @@ TEST_F(Selection, neverOverwritesAFileThatSomebodyElseHasWritten) {
     EXPECT_TRUE(writer.saved.empty());
 }
 
+TEST_F(Selection, outlastsTheLoadOfAFileInWhichSomebodyElseHasChosenAnother) {
+    load(active({"a", "b", "c"}, "a"));
+    writeSites(active({"a", "b", "c"}, "c"));
+    model->selectSite("b");
+    settle();
+    EXPECT_EQ(model->selectedSiteID(), "b");
+    EXPECT_EQ(model->configuration()->activeSiteID, "c");
+    EXPECT_TRUE(writer.saved.empty());
+}
+
 TEST_F(Selection, doesNotBringBackAFileThatSomebodyElseHasRemoved) {
     load(active({"a", "b"}, "a"));
     removeSites();

@@ -29,7 +29,7 @@ public:
     /// The program was started again, or its desktop asks for it: shows the dashboard.
     void activate(const std::string& activationToken);
 
-    /// False when a thread is stuck, so that the process must end without running destructors.
+    /// False when something has not ended: the process must then end without running destructors.
     [[nodiscard]] bool shutDown();
 
 private:

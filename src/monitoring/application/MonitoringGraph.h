@@ -29,8 +29,8 @@ public:
     /// Lets the main thread's work go on until a condition holds, or gives up and returns false.
     using RunMainUntil = std::function<bool(const std::function<bool()>& isOver)>;
 
-    /// Cancels every task and waits until all have ended. False when a name resolution is stuck: its thread still
-    /// runs, and the process must then end without running destructors.
+    /// Cancels every task and waits until all have ended. False when a task or a thread has not ended in time, or a
+    /// lookup still runs: the process must then end without running destructors.
     [[nodiscard]] bool shutDown(const RunMainUntil& runMainUntil);
 
 private:

@@ -117,7 +117,7 @@ int main(int argc, char** argv) {
     const int status = QApplication::exec();
     lock.onActivate = instance.onActivate = nullptr;
     if (!delegate->shutDown()) {
-        // A name resolution cannot be stopped, and its thread must not meet destroyed objects.
+        // What still runs, as a lookup that cannot be stopped, must not meet destroyed objects.
         ::_exit(status);
     }
     return status;
