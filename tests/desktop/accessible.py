@@ -61,23 +61,17 @@ def _process(node):
         return None
 
 
-def _toolkit(node):
-    try:
-        return node.get_toolkit_name()
-    except Exception:
-        return None
-
-
 def applications_of(process_id):
     """Everything that a process has registered."""
     return [node for node in applications() if _process(node) == process_id]
 
 
 def application_of(process_id):
-    """The accessible root of a running program, or None. Libraries that a Qt program loads may register further,
-    empty applications for it."""
+    """The accessible root of a running program, or None. Libraries that a Qt program loads may register further, empty
+    applications for it; which of several is meant shows only once one has a window. Asking for the toolkit's name would
+    tell sooner, but crashes the accessibility library when the program ends meanwhile."""
     own = applications_of(process_id)
-    return next((node for node in own if _toolkit(node) == "Qt"), None) or next(filter(_children, own), None)
+    return own[0] if len(own) == 1 else next(filter(_children, own), None)
 
 
 def windows(application):

@@ -61,8 +61,8 @@ class Waiting(unittest.TestCase):
 class Node:
     """As much of an accessible application as the search looks at."""
 
-    def __init__(self, process, toolkit, children=(), role="application"):
-        self._process, self._toolkit, self._children, self._role = process, toolkit, list(children), role
+    def __init__(self, process, children=(), role="application"):
+        self._process, self._children, self._role = process, list(children), role
 
     childCount = property(lambda self: len(self._children))
 
@@ -71,9 +71,6 @@ class Node:
 
     def get_process_id(self):
         return self._process
-
-    def get_toolkit_name(self):
-        return self._toolkit
 
     def getRoleName(self):
         return self._role
@@ -88,24 +85,20 @@ class Finding(unittest.TestCase):
         self.addCleanup(setattr, accessible, "applications", before)
         return accessible.application_of(7)
 
-    def test_takes_the_application_of_the_process(self):
-        mine = Node(7, "Qt")
-        self.assertIs(self.find(Node(6, "Qt", [Node(6, "Qt")]), mine), mine)
+    def test_takes_the_application_of_the_process_even_before_it_has_a_window(self):
+        mine = Node(7)
+        self.assertIs(self.find(Node(6, [Node(6)]), mine), mine)
 
-    def test_of_two_in_one_process_takes_that_of_Qt_even_before_it_has_a_window(self):
-        mine = Node(7, "Qt")
-        self.assertIs(self.find(Node(7, "gtk"), mine, Node(7, "gtk", [Node(7, "gtk")])), mine)
+    def test_of_two_in_one_process_takes_the_one_with_windows(self):
+        mine = Node(7, [Node(7)])
+        self.assertIs(self.find(Node(7), mine), mine)
 
-    def test_of_two_that_do_not_name_their_toolkit_takes_the_one_with_windows(self):
-        mine = Node(7, "", [Node(7, "")])
-        self.assertIs(self.find(Node(7, ""), mine), mine)
-
-    def test_an_empty_one_of_another_toolkit_is_not_the_program(self):
-        self.assertIsNone(self.find(Node(7, "gtk")))
+    def test_of_two_in_one_process_takes_none_before_one_has_a_window(self):
+        self.assertIsNone(self.find(Node(7), Node(7)))
 
     def test_a_button_is_a_button_with_every_accessibility_library(self):
         for role in ("push button", "button"):
-            button = Node(7, "Qt", role=role)
+            button = Node(7, role=role)
             self.assertIs(accessible.find(button, role="button"), button)
 
 
