@@ -54,7 +54,7 @@ Task<> AppModel::runCycle(Reference self, CheckTrigger trigger) {
         Task<> cycle = performCycle(self, context, ticket, std::move(runner), trigger);
         co_await std::move(cycle);
     } catch (const std::exception& error) {
-        // Neither checks nor notifications throw. If one does, the loop goes on and the user is told, unless the
+        // Neither checks nor notifications throw. If one does, the loop goes on and the user reads why, unless the
         // cycle was cancelled.
         AppModel* const model = self.get();
         if (model && !context.isCancelled() && model->policyGeneration_ == ticket.policyGeneration) {

@@ -182,7 +182,7 @@ Task<> AppModel::runRevisionRefresh(Reference self) {
             Task<bool> comparing = offload(*pool, std::move(*comparison));
             isUnchanged = co_await std::move(comparing);
         } catch (const std::exception&) {
-            // What cannot be compared is loaded again, and the load tells what is wrong.
+            // What cannot be compared is loaded again, and the load reports what is wrong.
             isUnchanged = false;
         }
         // A difference may be a line that the model wrote meanwhile. To take it for somebody else's would cost a

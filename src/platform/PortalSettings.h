@@ -10,7 +10,7 @@
 namespace kestrin {
 
 /// Reads settings of the desktop through org.freedesktop.portal.Settings and follows them, without ever waiting. A
-/// portal that starts later or anew is read again; without one nothing is told. Main thread.
+/// portal that starts later or anew is read again; without one no setting is reported. Main thread.
 class PortalSettings final : public QObject {
     Q_OBJECT
 

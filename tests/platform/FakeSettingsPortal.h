@@ -9,7 +9,7 @@
 
 namespace kestrin::test {
 
-/// The desktop's side of the settings portal: owns its name from `start` to `stop` and tells of every change.
+/// The desktop's side of the settings portal: owns its name from `start` to `stop` and announces every change.
 class FakeSettingsPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -20,7 +20,7 @@ public:
 
     void start();
     void stop();
-    /// Keeps the value, and tells of it while started.
+    /// Keeps the value, and announces it while started.
     void set(const QString& nameSpace, const QString& key, const QVariant& value);
 
     /// Takes questions and leaves them without an answer.
