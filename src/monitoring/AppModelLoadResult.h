@@ -34,6 +34,8 @@ struct LoadedConfigured {
 /// What the user is told of a load that failed.
 struct LoadFailed {
     std::string message;
+
+    [[nodiscard]] static LoadFailed byCancellation() { return {"Kestrin stopped loading monitor data."}; }
 };
 
 /// Which of three worlds the disk is in.

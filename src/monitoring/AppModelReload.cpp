@@ -2,6 +2,7 @@
 
 #include "monitoring/MonitoredTargets.h"
 #include "monitoring/Selection.h"
+#include "tasks/CancellationError.h"
 #include "tasks/Offload.h"
 
 #include <algorithm>
@@ -60,6 +61,9 @@ Task<> AppModel::runReload(
     try {
         Task<AppModelLoadResult> loading = offload(*pool, std::move(*load));
         result = co_await std::move(loading);
+    } catch (const CancellationError&) {
+        // The pool has ended with the load still waiting in it.
+        result = LoadFailed::byCancellation();
     } catch (const std::exception& error) {
         // No thread could be had for the load; that is told like any other failure of it.
         result = LoadFailed{error.what()};

@@ -27,7 +27,7 @@ AppModelLoadResult ModelLoader::load(const KnownHistories& known, const std::sto
             return attempt(known, stop);
         }
     } catch (const CancellationError&) {
-        return LoadFailed{"Kestrin stopped loading monitor data."};
+        return LoadFailed::byCancellation();
     } catch (const std::exception& error) {
         return LoadFailed{error.what()};
     }

@@ -333,6 +333,16 @@ TEST_F(Reload, goesOnWithWebsitesWhenTheFileOfAddedServicesCannotBeUsed) {
         << "a file that cannot be used is still a known revision";
 }
 
+TEST_F(Reload, thatItsPoolDropsEndsAsOneThatWasStopped) {
+    writeSites(configurationOf({"a"}));
+    create();
+    main.runUntilIdle();
+    loads.dropAll();
+    settle();
+    EXPECT_FALSE(model->isLoading());
+    EXPECT_EQ(model->loadError(), "Kestrin stopped loading monitor data.");
+}
+
 TEST_F(Reload, announcesWhatChanged) {
     writeSites(configurationOf({"a"}));
     create();
