@@ -96,6 +96,7 @@ struct DashboardContent {
     std::optional<PageSwitchContent> pageSwitch;
     std::variant<LoadingContent, PanelContent, WebsitePageContent, ServicesPageContent> body;
     StatusBarContent statusBar;
+    bool isMonitoring = false;
     std::string checkNowSymbol;
     std::string intervalText; ///< in the middle of the bottom bar
     std::string settingsSymbol;

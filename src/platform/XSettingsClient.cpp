@@ -1,37 +1,23 @@
 #include "platform/XSettingsClient.h"
 
-#include <QGuiApplication>
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
+#include "platform/XConnection.h"
+
+#include <QCoreApplication>
 
 namespace kestrin {
 
 namespace {
-
-template <class Reply> std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
-    return {reply, &std::free};
-}
-
-int screenNumber() {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen)) std::free(host);
-    return screen;
-}
 
 constexpr std::uint32_t mostWords = 1 << 16; // 256 KB; ordinary settings have one or two
 
 } // namespace
 
 XSettingsClient::XSettingsClient() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    connection_ = x11 ? x11->connection() : nullptr;
+    connection_ = xConnection();
     if (!connection_) return;
-    selection_ = atom("_XSETTINGS_S" + std::to_string(screenNumber()));
-    managerMessage_ = atom("MANAGER");
-    property_ = atom("_XSETTINGS_SETTINGS");
+    selection_ = xAtom(connection_, "_XSETTINGS_S" + std::to_string(xScreenNumber()));
+    managerMessage_ = xAtom(connection_, "MANAGER");
+    property_ = xAtom(connection_, "_XSETTINGS_SETTINGS");
     QCoreApplication::instance()->installNativeEventFilter(this);
     findManager();
     read();
@@ -41,15 +27,9 @@ XSettingsClient::~XSettingsClient() {
     if (connection_ && QCoreApplication::instance()) QCoreApplication::instance()->removeNativeEventFilter(this);
 }
 
-std::uint32_t XSettingsClient::atom(const std::string& name) const {
-    const auto cookie = xcb_intern_atom(connection_, false, static_cast<std::uint16_t>(name.size()), name.data());
-    const auto reply = owned(xcb_intern_atom_reply(connection_, cookie, nullptr));
-    return reply ? reply->atom : 0;
-}
-
 void XSettingsClient::findManager() {
     const auto cookie = xcb_get_selection_owner(connection_, selection_);
-    const auto reply = owned(xcb_get_selection_owner_reply(connection_, cookie, nullptr));
+    const auto reply = ownedReply(xcb_get_selection_owner_reply(connection_, cookie, nullptr));
     manager_ = reply ? reply->owner : 0;
     if (!manager_) return;
     // The same events as Qt asks for: one client has one choice for each window.
@@ -62,7 +42,7 @@ void XSettingsClient::findManager() {
 void XSettingsClient::read() {
     if (!manager_) return;
     const auto cookie = xcb_get_property(connection_, false, manager_, property_, property_, 0, mostWords);
-    const auto reply = owned(xcb_get_property_reply(connection_, cookie, nullptr));
+    const auto reply = ownedReply(xcb_get_property_reply(connection_, cookie, nullptr));
     if (!reply || reply->format != 8) return;
     const auto* bytes = static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get()));
     const int length = xcb_get_property_value_length(reply.get());

@@ -25,7 +25,6 @@ public:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 private:
-    [[nodiscard]] std::uint32_t atom(const std::string& name) const;
     void findManager();
     void read();
 

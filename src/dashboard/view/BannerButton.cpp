@@ -1,8 +1,10 @@
 #include "dashboard/view/BannerButton.h"
 
+#include "appearance/view/Shapes.h"
 #include "appearance/view/Symbols.h"
 #include "appearance/view/Theme.h"
 #include "dashboard/view/DetailsTip.h"
+#include "dashboard/view/WindowCorners.h"
 
 #include <QPainter>
 
@@ -45,7 +47,9 @@ void BannerButton::paintEvent(QPaintEvent* /*event*/) {
     const Theme& theme = currentTheme();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), theme.accentTint(underMouse() ? tintUnderPointer : tint, ColorRole::window));
+    const double corners = windowCornerRadius(this);
+    fillRounded(painter, QRectF(rect()).adjusted(0, 0, 0, corners), corners,
+        theme.accentTint(underMouse() ? tintUnderPointer : tint, ColorRole::window));
     const QColor accent = theme.color(ColorRole::accent);
 
     const auto placed = [this](double x, double y, double width, double height) {

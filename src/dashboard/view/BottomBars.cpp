@@ -9,6 +9,7 @@
 #include "dashboard/view/CommandButton.h"
 #include "dashboard/view/Commands.h"
 #include "dashboard/view/DetailsTip.h"
+#include "dashboard/view/WindowCorners.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -83,8 +84,7 @@ void BottomBars::show(const DashboardContent& content, bool mayAccent) {
     const Command& startStop = command(content, CommandID::startOrStop);
     showCommand(startStop_, startStop);
     const bool starts = !content.isMonitoring;
-    setButtonKind(
-        startStop_, mayAccent && starts && startStop.enabled ? ButtonKind::accent : ButtonKind::plain);
+    setButtonKind(startStop_, mayAccent && starts && startStop.enabled ? ButtonKind::accent : ButtonKind::plain);
     setButtonSymbol(checkNow_, text(content.checkNowSymbol));
     showCheckNow(command(content, CommandID::checkNow));
     const Command& settings = command(content, CommandID::openSettings);
@@ -95,8 +95,8 @@ void BottomBars::show(const DashboardContent& content, bool mayAccent) {
     showCommand(quit_, command(content, CommandID::quit));
 }
 
-// A button that is disabled loses the focus to the next one, Settings or Quit, and the next press of Space would run
-// that.
+// A button that is disabled loses the focus to the next one, Settings or Quit, and the next press of Space would
+// run that.
 void BottomBars::showCheckNow(const Command& command) {
     if (!command.enabled && window()->focusWidget() == checkNow_) {
         refuge_->setFocus();
@@ -110,7 +110,10 @@ void BottomBars::showCheckNow(const Command& command) {
 void BottomBars::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const Theme& theme = currentTheme();
-    painter.fillRect(rect(), theme.color(ColorRole::surface));
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double radius = windowCornerRadius(this);
+    fillRounded(painter, QRectF(rect()).adjusted(0, -radius, 0, 0), radius, theme.color(ColorRole::surface));
+    painter.setRenderHint(QPainter::Antialiasing, false);
     const double hairline = hairlineWidth(devicePixelRatioF());
     for (const QWidget* bar : {statusBar_, bottomBar_})
         painter.fillRect(QRectF(0, bar->y(), width(), hairline), theme.color(ColorRole::border));

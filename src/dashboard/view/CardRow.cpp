@@ -30,7 +30,8 @@ void CardRow::paintEvent(QPaintEvent* /*event*/) {
     const int ring = theme.length(theme.isHighContrast() ? 3 : 2);
     painter.setPen(QPen(theme.color(ColorRole::accent), ring));
     const double inset = ring / 2.0 + theme.length(2);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), theme.length(6), theme.length(6));
+    painter.drawRoundedRect(
+        QRectF(rect()).adjusted(inset, inset, -inset, -inset), theme.length(6), theme.length(6));
 }
 
 void CardRow::copyOnRequest(QKeyEvent* event, const QString& details) {

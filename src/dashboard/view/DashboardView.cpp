@@ -35,15 +35,15 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
       header_(new HeaderView({actions.selectSite, actions.showPage}, top_)), notices_(new QVBoxLayout),
       scroll_(new PageScroll(this)), panel_(new PanelView(actions.openSettings)), website_(new WebsitePage),
       services_(new ServicesPage),
-      bars_(new BottomBars({actions.startOrStop, actions.checkNow, actions.openSettings, actions.quit}, scroll_,
-          this)) {
+      bars_(new BottomBars(
+          {actions.startOrStop, actions.checkNow, actions.openSettings, actions.quit}, scroll_, this)) {
     topLayout_->setContentsMargins(0, 0, 0, 0);
     topLayout_->setSpacing(0);
     topLayout_->addWidget(banner_);
     topLayout_->addWidget(header_);
     topLayout_->addLayout(notices_);
-    for (QWidget* page : {static_cast<QWidget*>(panel_), static_cast<QWidget*>(website_),
-             static_cast<QWidget*>(services_)})
+    for (QWidget* page :
+        {static_cast<QWidget*>(panel_), static_cast<QWidget*>(website_), static_cast<QWidget*>(services_)})
         scroll_->addPage(page);
     layout_->setContentsMargins(0, 0, 0, 0);
     layout_->setSpacing(0);
@@ -174,8 +174,8 @@ QSize DashboardView::minimumSizeHint() const {
 void DashboardView::focusFirstControl() {
     if (banner_->isVisibleTo(this)) return banner_->setFocus();
     if (QWidget* control = header_->firstControl()) return control->setFocus();
-    for (QPushButton* button : {panel_->button(), bars_->startStop(), bars_->checkNow(), bars_->settings(),
-             bars_->quit()}) {
+    for (QPushButton* button :
+        {panel_->button(), bars_->startStop(), bars_->checkNow(), bars_->settings(), bars_->quit()}) {
         if (!button->isEnabled() || !button->isVisibleTo(this)) continue;
         // A press of Space right after the opening must do no harm.
         if (button == bars_->quit()) break;

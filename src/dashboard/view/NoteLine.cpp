@@ -9,7 +9,8 @@
 namespace kestrin {
 
 NoteLine::NoteLine(TextStyle style, QWidget* parent)
-    : ThemedWidget(parent), layout_(new QHBoxLayout(this)), symbol_(new SymbolLabel({}, 16, ColorRole::secondary, this)),
+    : ThemedWidget(parent), layout_(new QHBoxLayout(this)),
+      symbol_(new SymbolLabel({}, 16, ColorRole::secondary, this)),
       text_(new WrappedLabel(style, ColorRole::secondary, this)) {
     text_->setSelectable(true);
     layout_->addWidget(symbol_, 0, Qt::AlignTop);

@@ -23,10 +23,10 @@ ServiceRow::ServiceRow(QWidget* parent)
       state_(new Capsule(TextStyle::caption2Bold, this)),
       summary_(new WrappedLabel(TextStyle::caption, ColorRole::text, this)),
       historyTitle_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)),
-      strip_(new StatusStrip(this)),
-      noHistory_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)),
+      strip_(new StatusStrip(this)), noHistory_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)),
       failure_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)),
-      lastChecked_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)), link_(new QPushButton(this)) {
+      lastChecked_(new WrappedLabel(TextStyle::caption2, ColorRole::secondary, this)),
+      link_(new QPushButton(this)) {
     leadingInset = trailingInset = 14;
     summary_->setSelectable(true);
     failure_->setSelectable(true);

@@ -31,8 +31,7 @@ QIcon dot(StateColor state, qreal devicePixelRatio) {
     const double inset = state == StateColor::red ? 0 : theme.length(1);
     painter.drawEllipse(QRectF(0, 0, size, size).adjusted(inset, inset, -inset, -inset));
     if (state == StateColor::red)
-        painter.fillRect(
-            QRectF(size * 0.2, size * 0.41, size * 0.6, size * 0.18), theme.color(ColorRole::raised));
+        painter.fillRect(QRectF(size * 0.2, size * 0.41, size * 0.6, size * 0.18), theme.color(ColorRole::raised));
     painter.end();
     // The same picture for every mode: a selected or disabled dot has the same state.
     QIcon icon;

@@ -20,8 +20,8 @@ SummaryBox::SummaryBox(QWidget* parent)
       state_(new QVBoxLayout), name_(new ElidedLabel(TextStyle::title3, ColorRole::text, this)),
       url_(new ElidedLabel(TextStyle::caption, ColorRole::secondary, this)),
       badge_(new Capsule(TextStyle::headline, this)),
-      lastChecked_(new ElidedLabel(TextStyle::caption2, ColorRole::secondary, this)), divider_(new Divider(Qt::Horizontal, 0, this)),
-      figures_(new QHBoxLayout) {
+      lastChecked_(new ElidedLabel(TextStyle::caption2, ColorRole::secondary, this)),
+      divider_(new Divider(Qt::Horizontal, 0, this)), figures_(new QHBoxLayout) {
     url_->setSelectable(true);
     // An address reads from left to right in every language.
     url_->setLayoutDirection(Qt::LeftToRight);
@@ -85,9 +85,10 @@ void SummaryBox::paintEvent(QPaintEvent* /*event*/) {
     for (std::size_t index = 1; index < metrics_.size(); ++index) {
         const QRect before = metrics_[index - 1].column->geometry();
         const QRect after = metrics_[index].column->geometry();
-        const int middle = isRightToLeft() ? (after.right() + before.left()) / 2 : (before.right() + after.left()) / 2;
-        painter.fillRect(QRectF(middle, after.top(), hairline, after.height()),
-            currentTheme().color(ColorRole::border));
+        const int middle =
+            isRightToLeft() ? (after.right() + before.left()) / 2 : (before.right() + after.left()) / 2;
+        painter.fillRect(
+            QRectF(middle, after.top(), hairline, after.height()), currentTheme().color(ColorRole::border));
     }
 }
 

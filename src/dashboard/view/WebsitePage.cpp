@@ -88,8 +88,8 @@ void WebsitePage::applyTheme(const Theme& theme) {
     chartBox_->layout()->setContentsMargins(padding);
     chartBox_->layout()->setSpacing(theme.length(8));
     legend_->layout()->setSpacing(theme.length(8));
-    for (QWidget* line : {static_cast<QWidget*>(noChart_), static_cast<QWidget*>(noChecks_),
-             static_cast<QWidget*>(noIncidents_)})
+    for (QWidget* line :
+        {static_cast<QWidget*>(noChart_), static_cast<QWidget*>(noChecks_), static_cast<QWidget*>(noIncidents_)})
         line->setContentsMargins(padding);
 }
 
