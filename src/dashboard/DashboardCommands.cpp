@@ -16,9 +16,8 @@ std::string nothingToCheck(const AppModel& model) {
     if (showsServicesPage(model))
         return model.providerSnapshots().empty() ? "Choose a service in Settings first." : "";
     const auto& configuration = model.configuration();
-    if (configuration && std::ranges::any_of(configuration->sites, [](const SiteDefinition& site) {
-            return site.enabled && isMonitorable(site);
-        }))
+    if (configuration && std::ranges::any_of(configuration->sites,
+                             [](const SiteDefinition& site) { return site.enabled && isMonitorable(site); }))
         return "";
     if (model.isLoading()) return "Wait until the monitor history is loaded.";
     if (!configuration) return "Monitor data couldn’t be read. Reopen the dashboard to try again.";

@@ -78,8 +78,8 @@ NoteContent launchNotice(std::string_view message) {
     return {"exclamationmark.triangle.fill", StateColor::orange, shownMessage(message)};
 }
 
-DashboardContent dashboardContent(const AppModel& model, const UpdateObservation* update, SettingsAccess settings,
-    const LocaleFormats& formats) {
+DashboardContent dashboardContent(
+    const AppModel& model, const UpdateObservation* update, SettingsAccess settings, const LocaleFormats& formats) {
     const LocaleFormats present = formats.withPresentTimeZone();
     const std::string interval = intervalText(model.intervalSeconds(), present);
     DashboardContent content;

@@ -14,8 +14,8 @@ namespace kestrin {
 
 /// Everything that the dashboard says of the model at this moment. `update` is null without an update controller.
 /// `notices` stays empty: what the start of the program had to say is its own. Main thread.
-[[nodiscard]] DashboardContent dashboardContent(const AppModel& model, const UpdateObservation* update,
-    SettingsAccess settings, const LocaleFormats& formats);
+[[nodiscard]] DashboardContent dashboardContent(
+    const AppModel& model, const UpdateObservation* update, SettingsAccess settings, const LocaleFormats& formats);
 
 /// A message of the start of the program as one of the `notices`.
 [[nodiscard]] NoteContent launchNotice(std::string_view message);

@@ -34,8 +34,7 @@ ResponseHistoryPresentation ResponseHistoryPresentation::of(const SiteHistoryPro
     return presentation;
 }
 
-ResponseChartContent responseChart(
-    const ResponseHistoryPresentation& presentation, const LocaleFormats& formats) {
+ResponseChartContent responseChart(const ResponseHistoryPresentation& presentation, const LocaleFormats& formats) {
     ResponseChartContent chart;
     chart.title = "Recent response history";
     chart.noChecks = "No checks recorded yet.";

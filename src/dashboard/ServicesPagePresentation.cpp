@@ -12,8 +12,8 @@ namespace {
 
 std::string inCapitals(std::string_view word) {
     std::string capitals(word);
-    std::ranges::transform(
-        capitals, capitals.begin(), [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    std::ranges::transform(capitals, capitals.begin(),
+        [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
     return capitals;
 }
 

@@ -10,8 +10,8 @@
 
 namespace kestrin {
 
-/// What the page of the status services shows; `snapshots` is not empty, or a panel takes its place. `issue` is what
-/// is wrong with the added services.
+/// What the page of the status services shows; `snapshots` is not empty, or a panel takes its place. `issue` is
+/// what is wrong with the added services.
 [[nodiscard]] ServicesPageContent servicesPage(std::span<const ProviderSnapshot> snapshots,
     const std::optional<std::string>& issue, const LocaleFormats& formats);
 

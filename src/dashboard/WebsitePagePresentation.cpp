@@ -61,8 +61,8 @@ std::string periodText(const Incident& incident, const LocaleFormats& formats) {
     const std::string start = incident.started ? formats.dateAndTime(*incident.started)
                                                : isolatedInSentence(shownTimestamp(incident.startedText));
     if (!incident.ended && !incident.endedText) return "Since " + start;
-    const std::string end = incident.ended ? formats.time(*incident.ended)
-                                           : isolatedInSentence(shownTimestamp(*incident.endedText));
+    const std::string end =
+        incident.ended ? formats.time(*incident.ended) : isolatedInSentence(shownTimestamp(*incident.endedText));
     return start + " – " + end;
 }
 

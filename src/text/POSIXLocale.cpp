@@ -22,7 +22,7 @@ std::string icuLocaleName(std::string_view posixName) {
     std::string name(posixName.substr(0, std::min(at, posixName.find('.'))));
     if (modifier.contains('=')) return name.append("@").append(modifier);
     for (const auto& [word, script] : scripts)
-        if (modifier == word) name.insert(std::min(name.find('_'), name.size()), "_" + std::string(script));
+        if (modifier == word) name.insert(std::min(name.find('_'), name.size()), std::string("_").append(script));
     return name;
 }
 

@@ -18,7 +18,7 @@ bool isControl(char byte) {
 void blankOutLineBreaks(std::string& text) {
     for (const std::string_view lineBreak : {"\u0085", "\u2028", "\u2029"})
         for (auto at = text.find(lineBreak); at != std::string::npos; at = text.find(lineBreak, at + 1))
-            text.replace(at, lineBreak.size(), " ");
+            text.replace(at, lineBreak.size(), 1, ' ');
 }
 
 } // namespace

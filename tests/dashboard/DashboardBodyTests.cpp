@@ -16,8 +16,8 @@ TEST_F(DashboardBody, theVeryFirstLoadShowsThatItLoads) {
 
 TEST_F(DashboardBody, aFirstRunAsksForTheFirstWebsite) {
     load();
-    EXPECT_EQ(body<PanelContent>(),
-        (PanelContent{"globe", StateColor::secondary, "Add your first website", firstWebsiteText, "Open Settings"}));
+    EXPECT_EQ(body<PanelContent>(), (PanelContent{"globe", StateColor::secondary, "Add your first website",
+                                        firstWebsiteText, "Open Settings"}));
 }
 
 TEST_F(DashboardBody, aConfigurationWithoutWebsitesAsksForTheFirstOne) {

@@ -109,8 +109,8 @@ TEST_F(DashboardCommands, theyFollowTheMonitor) {
     model->startMonitoring();
     settle();
     EXPECT_EQ(startOrStop(), enabled(CommandID::startOrStop, "Stop"));
-    EXPECT_EQ(checkNow(),
-        disabled(CommandID::checkNow, "Checking", "A check is running. Wait until it has finished."));
+    EXPECT_EQ(
+        checkNow(), disabled(CommandID::checkNow, "Checking", "A check is running. Wait until it has finished."));
     answerChecks();
     EXPECT_EQ(startOrStop(), enabled(CommandID::startOrStop, "Stop"));
     EXPECT_EQ(checkNow(), enabled(CommandID::checkNow, "Check now"));

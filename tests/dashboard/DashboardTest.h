@@ -15,7 +15,7 @@ namespace kestrin {
 inline std::string withPlainBlanks(std::string text) {
     for (const std::string blank : {"\u00a0", "\u202f"})
         for (auto at = text.find(blank); at != std::string::npos; at = text.find(blank))
-            text.replace(at, blank.size(), " ");
+            text.replace(at, blank.size(), 1, ' ');
     return text;
 }
 
@@ -65,9 +65,7 @@ struct DashboardTest : MonitorTest {
     const LocaleFormats formats = formatsOf("de_DE");
     SettingsAccess settings = SettingsAccess::available;
 
-    [[nodiscard]] DashboardContent content() const {
-        return dashboardContent(*model, nullptr, settings, formats);
-    }
+    [[nodiscard]] DashboardContent content() const { return dashboardContent(*model, nullptr, settings, formats); }
     /// The body, which has to be of that kind.
     template <class Body> [[nodiscard]] Body body() const { return std::get<Body>(content().body); }
     [[nodiscard]] bool isLoadingShown() const { return std::holds_alternative<LoadingContent>(content().body); }

@@ -88,10 +88,10 @@ TEST(UpdateBanner, isAbsentWhileTheControllerDoesNotAskForIt) {
 
 TEST(UpdateBanner, namesVersionAndBuildAndWhatPressingItDoes) {
     const UpdateObservation update{.showsPopoverAvailability = true, .version = "2.1.0", .build = 2100};
-    EXPECT_EQ(updateBanner(&update),
-        (UpdateBannerContent{"arrow.down.circle.fill", "Kestrin 2.1.0 is available", "Open the download page",
-            "chevron.right", "Update to Kestrin 2.1.0, build 2100",
-            "Opens the Kestrin download page in your default browser"}));
+    EXPECT_EQ(
+        updateBanner(&update), (UpdateBannerContent{"arrow.down.circle.fill", "Kestrin 2.1.0 is available",
+                                   "Open the download page", "chevron.right", "Update to Kestrin 2.1.0, build 2100",
+                                   "Opens the Kestrin download page in your default browser"}));
 }
 
 TEST_F(DashboardHeader, theBannerIsPartOfTheContent) {

@@ -21,8 +21,8 @@ TEST(IncidentRows, withoutAnyThereIsANote) {
     const auto page = websitePage(websiteWith({}), std::nullopt, formatsOf("en_US"));
     EXPECT_EQ(page.incidentsTitle, "Detected incidents");
     EXPECT_TRUE(page.incidents.empty());
-    EXPECT_EQ(page.noIncidents,
-        (NoteContent{"checkmark.circle", StateColor::secondary, "No failed periods recorded"}));
+    EXPECT_EQ(
+        page.noIncidents, (NoteContent{"checkmark.circle", StateColor::secondary, "No failed periods recorded"}));
 }
 
 TEST(IncidentRows, aClosedOneHasRecovered) {
@@ -68,8 +68,8 @@ TEST(IncidentRows, momentsThatAreNoTimestampsAreShownAsTheyStandWithTheirOwnDire
 }
 
 TEST(IncidentRows, oneWhoseEndIsNoTimestampHasRecoveredAllTheSame) {
-    const auto page = websitePage(websiteWith({checkAt("yesterday", false), checkAt("today")}), std::nullopt,
-        formatsOf("en_US"));
+    const auto page =
+        websitePage(websiteWith({checkAt("yesterday", false), checkAt("today")}), std::nullopt, formatsOf("en_US"));
     EXPECT_EQ(page.incidents[0].word, "Recovered");
     EXPECT_EQ(page.incidents[0].color, StateColor::green);
 }

@@ -120,8 +120,8 @@ TEST(ResponseHistory, theLegendNamesBothColoursAndTheCount) {
 }
 
 TEST(ResponseHistory, theChartAsAWholeSaysHowManySucceeded) {
-    EXPECT_EQ(chartOf({success(1), failure(), success(1)}).accessibleLabel,
-        "Last 3 checks: 2 successful, 1 failed.");
+    EXPECT_EQ(
+        chartOf({success(1), failure(), success(1)}).accessibleLabel, "Last 3 checks: 2 successful, 1 failed.");
     EXPECT_EQ(chartOf({success(1), failure(), success(1)}, "ar_EG").accessibleLabel,
         "Last ٣ checks: ٢ successful, ١ failed.");
 }

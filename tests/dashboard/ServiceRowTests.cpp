@@ -65,14 +65,16 @@ TEST(ServiceRow, aRecordWithoutDurationSaysTheTimeAlone) {
 }
 
 TEST(ServiceRow, aTimestampThatIsNoneIsShownAsItStandsWithItsOwnDirection) {
-    EXPECT_EQ(rowOf(serviceWith({reportAt("yesterday", operational)})).lastChecked, "Checked \u2068yesterday\u2069");
+    EXPECT_EQ(
+        rowOf(serviceWith({reportAt("yesterday", operational)})).lastChecked, "Checked \u2068yesterday\u2069");
 }
 
 TEST(ServiceRow, theStripHasTheLast24RecordsOldestFirst) {
     ProviderSnapshot snapshot = serviceWith({});
     for (int index = 0; index < 26; ++index)
-        snapshot.history.recentChecks.push_back(
-            reportAt(moment, index < 2 ? outage : index == 2 ? maintenance : operational));
+        snapshot.history.recentChecks.push_back(reportAt(moment, index < 2    ? outage
+                                                                 : index == 2 ? maintenance
+                                                                              : operational));
     const ServiceRowContent row = rowOf(snapshot);
     ASSERT_EQ(row.history.size(), 24U);
     EXPECT_EQ(row.history[0].color, StateColor::blue);
@@ -84,9 +86,9 @@ TEST(ServiceRow, theStripHasTheLast24RecordsOldestFirst) {
 }
 
 TEST(ServiceRow, theStripCountsEveryStateInTheDigitsOfTheLocale) {
-    const ProviderSnapshot snapshot = serviceWith({reportAt(moment, operational), reportAt(moment, degraded),
-        reportAt(moment, outage), reportAt(moment, maintenance), reportAt(moment, unknown),
-        reportAt(moment, unknown)});
+    const ProviderSnapshot snapshot =
+        serviceWith({reportAt(moment, operational), reportAt(moment, degraded), reportAt(moment, outage),
+            reportAt(moment, maintenance), reportAt(moment, unknown), reportAt(moment, unknown)});
     EXPECT_EQ(rowOf(snapshot).historyAccessibleLabel,
         "Last 6 reports: 1 operational, 1 degraded, 1 outage, 1 maintenance, 2 unknown");
     EXPECT_EQ(rowOf(snapshot, "ar_EG").historyAccessibleLabel,

@@ -39,8 +39,8 @@ TEST(OverallState, anEmptyListIsUnknown) {
 }
 
 TEST(OverallState, onlyTheLastRecordOfAServiceCounts) {
-    const std::vector<ProviderSnapshot> snapshots = {serviceWith(
-        {reportAt("2026-01-31T09:00:00Z", outage), reportAt("2026-01-31T09:05:00Z", operational)})};
+    const std::vector<ProviderSnapshot> snapshots = {
+        serviceWith({reportAt("2026-01-31T09:00:00Z", outage), reportAt("2026-01-31T09:05:00Z", operational)})};
     EXPECT_EQ(overallState(snapshots), operational);
 }
 
@@ -76,8 +76,8 @@ TEST(ServicesPage, theGroupListsTheServicesInTheirOrder) {
 
 TEST(ServicesPage, theNoteSaysWhatTheReportsAreNot) {
     EXPECT_EQ(servicesPage(servicesIn({operational}), std::nullopt, formatsOf("en_US")).note,
-        (NoteContent{"info.circle", StateColor::secondary,
-            "Published status reports; not independent API verification."}));
+        (NoteContent{
+            "info.circle", StateColor::secondary, "Published status reports; not independent API verification."}));
 }
 
 TEST(ServicesPage, aProblemOfTheAddedServicesIsShownAndShortened) {

@@ -32,8 +32,7 @@ TEST(WebsiteSummary, aWebsiteWithoutChecksHasNoDataAndNoFigures) {
     EXPECT_EQ(summary.badge, "NO DATA");
     EXPECT_EQ(summary.badgeColor, StateColor::secondary);
     EXPECT_EQ(summary.lastChecked, "No checks");
-    const std::array<MetricValue, 3> expected = {
-        {{"Sampled uptime", "—"}, {"Checks", "0"}, {"Response", "—"}}};
+    const std::array<MetricValue, 3> expected = {{{"Sampled uptime", "—"}, {"Checks", "0"}, {"Response", "—"}}};
     EXPECT_EQ(summary.metrics, expected);
 }
 
@@ -68,8 +67,7 @@ TEST(WebsiteSummary, aTimestampThatIsNoneCountsAsNoChecks) {
 }
 
 TEST(WebsiteSummary, oneOfThreeChecksUpIsAThirdInTheLocalesOwnWay) {
-    const SiteSnapshot snapshot =
-        websiteWith({failed("x"), answered("2026-01-31T09:05:00Z", 200, 1), failed("x")});
+    const SiteSnapshot snapshot = websiteWith({failed("x"), answered("2026-01-31T09:05:00Z", 200, 1), failed("x")});
     EXPECT_EQ(pageOf(snapshot, "en_US").summary.metrics[0].value, "33.3%");
     EXPECT_EQ(withPlainBlanks(pageOf(snapshot, "de_DE").summary.metrics[0].value), "33,3 %");
     EXPECT_TRUE(pageOf(snapshot, "ar_EG").summary.metrics[0].value.starts_with("٣٣٫٣٪"));
