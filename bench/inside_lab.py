@@ -7,6 +7,7 @@ import sys
 
 from appends import AppendRow
 from checks import CheckRows
+from dashboards import DashboardRow
 from desktops import DesktopRows
 from feeds import FeedRows
 from histories import HistoryRows
@@ -27,7 +28,7 @@ def main():
     given = arguments.parse_args()
     setting = Setting(given.build, given.scratch, given.rounds, given.quick)
     report = Report(given.json, given.quick, given.rounds)
-    for rows in (AppendRow, CheckRows, FeedRows, HistoryRows, DesktopRows, ThemeRows):
+    for rows in (AppendRow, CheckRows, FeedRows, HistoryRows, DashboardRow, DesktopRows, ThemeRows):
         try:
             for result in rows(setting).measure(set(given.rows)):
                 report.add(result)

@@ -28,6 +28,7 @@ ROWS = {
     "feed-slack": Row("read a Slack feed of 100 KB", "parsing it with nlohmann::json", 1.3),
     "feed-memory": Row("peak memory of reading a feed of 100 KB", "none", 8, "MB"),
     "append": Row("one append, CPU", "the same system calls alone", 1.3),
+    "dashboard-content": Row("content of the dashboard, 25 websites and 10 services, CPU", "none", 1, "ms"),
     "idle-pss": Row("idle memory, PSS", "a bare Qt tray program", 1.25),
     "idle-rss": Row("idle memory, RSS", "a bare Qt tray program", 1.25),
     "idle-rss-gtk": Row("the same where GTK's platform theme is installed", "a bare Qt tray program", 0.85),

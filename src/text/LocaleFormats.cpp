@@ -1,11 +1,9 @@
 #include "text/LocaleFormats.h"
 
+#include "text/HostTimeZone.h"
+#include "text/LocaleFormatters.h"
+
 #include <cstdlib>
-#include <memory>
-#include <unicode/datefmt.h>
-#include <unicode/measunit.h>
-#include <unicode/numberformatter.h>
-#include <unicode/timezone.h>
 #include <utility>
 
 namespace kestrin {
@@ -24,12 +22,6 @@ std::string localeFor(const char* category) {
     return "en_US";
 }
 
-std::string utf8(const icu::UnicodeString& text) {
-    std::string bytes;
-    text.toUTF8String(bytes);
-    return bytes;
-}
-
 } // namespace
 
 LocaleFormats::LocaleFormats(std::string timeLocale, std::string numberLocale, std::string timeZone)
@@ -39,32 +31,32 @@ LocaleFormats LocaleFormats::fromEnvironment() {
     return {localeFor("LC_TIME"), localeFor("LC_NUMERIC")};
 }
 
+LocaleFormats LocaleFormats::withPresentTimeZone() const {
+    return {timeLocale_, numberLocale_, timeZone_.empty() ? hostTimeZoneName() : timeZone_};
+}
+
 std::string LocaleFormats::time(std::chrono::sys_seconds when) const {
-    const std::unique_ptr<icu::DateFormat> format(
-        icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, icu::Locale(timeLocale_.c_str())));
-    if (!format) return {};
-    format->adoptTimeZone(timeZone_.empty()
-                              ? icu::TimeZone::detectHostTimeZone()
-                              : icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(timeZone_)));
-    icu::UnicodeString text;
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(when.time_since_epoch());
-    format->format(static_cast<UDate>(milliseconds.count()), text);
-    return utf8(text);
+    return LocaleFormatters::ofThisThread(timeLocale_, numberLocale_)
+        .time(when, timeZone_.empty() ? hostTimeZoneName() : timeZone_);
+}
+
+std::string LocaleFormats::dateAndTime(std::chrono::sys_seconds when) const {
+    return LocaleFormatters::ofThisThread(timeLocale_, numberLocale_)
+        .dateAndTime(when, timeZone_.empty() ? hostTimeZoneName() : timeZone_);
 }
 
 std::string LocaleFormats::duration(std::int64_t milliseconds) const {
-    const bool isShort = milliseconds < 1000;
-    const auto formatter =
-        icu::number::NumberFormatter::withLocale(icu::Locale(numberLocale_.c_str()))
-            .unit(isShort ? icu::MeasureUnit::getMillisecond() : icu::MeasureUnit::getSecond())
-            .unitWidth(UNUM_UNIT_WIDTH_NARROW)
-            .precision(isShort ? icu::number::Precision::integer() : icu::number::Precision::fixedFraction(1));
-    UErrorCode status = U_ZERO_ERROR;
-    const auto formatted = isShort ? formatter.formatInt(milliseconds, status)
-                                   : formatter.formatDouble(static_cast<double>(milliseconds) / 1000.0, status);
-    icu::UnicodeString text = formatted.toString(status);
-    if (U_FAILURE(status)) return {};
-    return utf8(text);
+    const LocaleFormatters& formatters = LocaleFormatters::ofThisThread(timeLocale_, numberLocale_);
+    return milliseconds < 1000 ? formatters.milliseconds(milliseconds)
+                               : formatters.seconds(static_cast<double>(milliseconds) / 1000.0);
+}
+
+std::string LocaleFormats::integer(std::int64_t value) const {
+    return LocaleFormatters::ofThisThread(timeLocale_, numberLocale_).integer(value);
+}
+
+std::string LocaleFormats::percentage(double ratio) const {
+    return LocaleFormatters::ofThisThread(timeLocale_, numberLocale_).percentage(ratio);
 }
 
 } // namespace kestrin

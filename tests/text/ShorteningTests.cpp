@@ -24,6 +24,10 @@ TEST(ShorteningForDisplay, makesControlCharactersBlanks) {
     EXPECT_EQ(shortenedForDisplay("a\nb\tc\x7f", 10), "a b c ");
 }
 
+TEST(ShorteningForDisplay, makesEveryLineBreakABlank) {
+    EXPECT_EQ(shortenedForDisplay("a\u0085b\u2028c\u2029\u2029d", 40), "a b c  d");
+}
+
 TEST(ShorteningForDisplay, standsBytesThatAreNoText) {
     EXPECT_EQ(shortenedForDisplay("\x80\x80\x80", 2), "…");
 }
