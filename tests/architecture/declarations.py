@@ -17,7 +17,7 @@ class Declaration:
 
 
 def declarations(folder, of_rooms):
-    """What is declared in the folder: its rooms or its programs. The functions that pass on arguments declare nothing."""
+    """The rooms or the programs of a folder. A function that passes its arguments on declares nothing."""
     found = []
     for place in sorted(folder.rglob("CMakeLists.txt")):
         text = re.sub(r"#[^\n]*", "", place.read_text(encoding="utf-8"))

@@ -23,7 +23,8 @@ HARMLESS = [
     LOW | BENCH | {"bench/CMakeLists.txt": "function(kestrin_bench_program name)\n"
                    "  kestrin_program(${name} SOURCES ${SOURCES} DEPENDS ${DEPENDS})\nendfunction()\n"
                    "kestrin_bench_program(speed DEPENDS low LIBRARIES CURL::libcurl)"},
-    LOW | MAIN | {"src/high/CMakeLists.txt": "kestrin_room(high)\nkestrin_program(kestrin SOURCES main.cpp DEPENDS low)"},
+    LOW | MAIN | {
+        "src/high/CMakeLists.txt": "kestrin_room(high)\nkestrin_program(kestrin SOURCES main.cpp DEPENDS low)"},
 ]
 
 # What the offence says, and the project with no other.
@@ -59,7 +60,8 @@ PLANTED = {
         "src/a/CMakeLists.txt": "kestrin_room(a DEPENDS b)", "src/a/A.h": '#include "b/B.h"\n',
         "src/b/CMakeLists.txt": "kestrin_room(b DEPENDS c)", "src/b/B.h": '#include "c/C.h"\n',
         "src/c/CMakeLists.txt": "kestrin_room(c DEPENDS a)", "src/c/C.h": '#include "a/A.h"\n'},
-    "declares no room": LOW | {"src/shed/CMakeLists.txt": "# Filled later.", "src/shed/Bad.h": '#include "low/Low.h"\n'},
+    "declares no room": LOW | {
+        "src/shed/CMakeLists.txt": "# Filled later.", "src/shed/Bad.h": '#include "low/Low.h"\n'},
     "tests/fakes/Fake.h:1: high does not name low": LOW | MIDDLE | FAKE | TEST | {
         "tests/CMakeLists.txt": "kestrin_room_tests(high SOURCES high/HighTests.cpp DEPENDS middle)"},
     "tests/high/HighTests.cpp:3: high does not name middle": LOW | MIDDLE | FAKE | TEST | {
@@ -77,7 +79,8 @@ PLANTED = {
     "src/high/main.cpp:1: kestrin does not name low": LOW | MAIN | {
         "src/high/CMakeLists.txt": "kestrin_room(high)\nkestrin_program(kestrin SOURCES main.cpp)"},
     "kestrin is built from gone.cpp, which does not exist": LOW | MAIN | {
-        "src/high/CMakeLists.txt": "kestrin_room(high)\nkestrin_program(kestrin SOURCES main.cpp gone.cpp DEPENDS low)"},
+        "src/high/CMakeLists.txt": "kestrin_room(high)\n"
+                                   "kestrin_program(kestrin SOURCES main.cpp gone.cpp DEPENDS low)"},
     # What only main.cpp includes is no arrow of the room.
     "high names low under DEPENDS and includes none": LOW | MAIN | {
         "src/high/CMakeLists.txt": "kestrin_room(high DEPENDS low)\n"
