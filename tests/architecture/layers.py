@@ -1,43 +1,26 @@
 #!/usr/bin/env python3
-"""Holds the rooms of src/ to the arrows that their CMakeLists.txt declare.
+"""Holds rooms and programs to the arrows that their CMakeLists.txt declare.
 
 - Qt headers only in src/platform, src/monitoring/application and the folders named view.
-- Every quoted include reads "room/Header.h", of the file's own room or of one under DEPENDS; the header exists.
+- Every quoted include in src/ reads "room/Header.h", and the header exists.
+- A room names under DEPENDS exactly the other rooms that its files include.
+- A program (the executable, a test program, a fuzz target, a benchmark) names under DEPENDS exactly the rooms that
+  its sources include, directly or through headers outside src/ such as the fakes.
 - nlohmann/json.hpp only in src/json/*.cpp.
 - No cycle among the rooms.
 
-Usage: layers.py SOURCE_FOLDER
-Before it reads anything it proves on planted examples that it finds each offence.
+Usage: layers.py PROJECT_FOLDER
+Before it reads anything it proves on planted examples that it finds each offence. It builds nothing.
 """
 import pathlib
 import re
 import sys
 import tempfile
 
-INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
+from declarations import declarations, includes, rooms_included
+from planted_projects import HARMLESS, PLANTED
 
-
-def declared_rooms(root):
-    """Each room and the rooms that it names."""
-    rooms = {}
-    for path in sorted(root.rglob("CMakeLists.txt")):
-        text = re.sub(r"#[^\n]*", "", path.read_text(encoding="utf-8"))
-        for call in re.finditer(r"kestrin_room\(\s*([\w/]+)([^)]*)\)", text):
-            words = call.group(2).split()
-            needed = []
-            if "DEPENDS" in words:
-                for word in words[words.index("DEPENDS") + 1:]:
-                    if word in ("SOURCES", "LIBRARIES"):
-                        break
-                    needed.append(word)
-            rooms[call.group(1)] = needed
-    return rooms
-
-
-def room_of(path, root, rooms):
-    """The innermost room whose folder holds the file, or its folder when no room is declared there."""
-    folder = path.relative_to(root).parent.as_posix()
-    return folder if folder in rooms else None
+QT_HEADER = re.compile(r"(Qt\w*/)?Q[A-Z]\w*(\.h)?|Qt\w+|q[a-z]+\.h")
 
 
 def cycle(rooms):
@@ -67,88 +50,78 @@ def may_use_qt(folder):
     return folder == "platform" or folder == "monitoring/application" or folder.split("/")[-1] == "view"
 
 
-def offences(root):
-    rooms = declared_rooms(root)
+def header_offences(path, project, rooms):
+    """What is wrong with the file's includes, whichever rooms its own room names."""
+    root = project / "src"
+    folder = path.relative_to(root).parent.as_posix()
+    for line, header, quoted in includes(path):
+        where = f"{path.relative_to(project).as_posix()}:{line}"
+        if QT_HEADER.fullmatch(header) and not may_use_qt(folder):
+            yield f"{where}: {header} is a Qt header outside the desktop rooms"
+        if header.startswith("nlohmann/") and not (folder == "json" and path.suffix == ".cpp"):
+            yield f"{where}: {header} belongs in the sources of json alone"
+        if not quoted:
+            continue
+        if not re.fullmatch(r"(?:\w+/)+\w+\.h", header):
+            yield f"{where}: \"{header}\" does not read \"room/Header.h\""
+        elif not (root / header).is_file():
+            yield f"{where}: \"{header}\" does not exist"
+        elif folder not in rooms and header.rpartition("/")[0] != folder:
+            yield f"{where}: {folder} declares no room and so may not use {header}"
+
+
+def arrow_offences(declaration, included, rooms, project):
+    """Where the rooms under DEPENDS differ from those that are included."""
+    for room, where in sorted(included.items()):
+        if room not in declaration.depends:
+            yield f"{where}: {declaration.name} does not name {room} under DEPENDS"
+    place = declaration.place.relative_to(project).as_posix()
+    for room in declaration.depends:
+        if room not in rooms:
+            # The desktop rooms may be left out of a build, never out of the tree.
+            yield f"{place}: {declaration.name} names {room}, which is no room"
+        elif room not in included:
+            yield f"{place}: {declaration.name} names {room} under DEPENDS and includes none of its headers"
+
+
+def offences(project):
+    project = project.resolve()
+    declared = declarations(project / "src", of_rooms=True)
+    rooms = {room.name: room.depends for room in declared}
+    programs = [program for folder in ("src", "tests", "bench")
+                for program in declarations(project / folder, of_rooms=False)]
+    files = [path for path in sorted((project / "src").rglob("*")) if path.suffix in (".h", ".cpp")]
     found = []
     ring = cycle(rooms)
     if ring:
         found.append("the rooms need each other: " + " -> ".join(ring))
-    for room, needed in sorted(rooms.items()):
-        for other in needed:
-            if other not in rooms:
-                # The desktop rooms may be left out of a build, never out of the tree.
-                found.append(f"{room} names {other}, which is no room")
-    for path in sorted(root.rglob("*")):
-        if path.suffix not in (".h", ".cpp"):
-            continue
-        text = path.read_text(encoding="utf-8")
-        name = path.relative_to(root).as_posix()
-        folder = path.relative_to(root).parent.as_posix()
-        room = room_of(path, root, rooms)
-        for match in INCLUDE.finditer(text):
-            where = f"{name}:{text.count(chr(10), 0, match.start(1) if match.group(1) else match.start(2)) + 1}"
-            quoted, angled = match.groups()
-            header = quoted or angled
-            if re.match(r"(Qt\w*/)?Q[A-Z]\w*(\.h)?$|Qt\w+$|q[a-z]+\.h$", header) and not may_use_qt(folder):
-                found.append(f"{where}: {header} is a Qt header outside the desktop rooms")
-            if header.startswith("nlohmann/") and not (folder == "json" and path.suffix == ".cpp"):
-                found.append(f"{where}: {header} belongs in the sources of json alone")
-            if not quoted:
-                continue
-            other = quoted.rpartition("/")[0]
-            if not re.fullmatch(r"(?:\w+/)+\w+\.h", quoted):
-                found.append(f"{where}: \"{quoted}\" does not read \"room/Header.h\"")
-            elif not (root / quoted).is_file():
-                found.append(f"{where}: \"{quoted}\" does not exist")
-            elif room is None:
-                if other != folder:
-                    found.append(f"{where}: {folder} declares no room and so may not use {other}")
-            elif other != room and other not in rooms[room]:
-                found.append(f"{where}: {room} does not name {other} under DEPENDS")
+    for path in files:
+        found += header_offences(path, project, rooms)
+    # The executable's main.cpp is in the folder of a room but is no part of it.
+    of_programs = {source for program in programs for source in program.sources}
+    for room in declared:
+        folder = project / "src" / room.name
+        own = [path for path in files if path.parent == folder and path not in of_programs]
+        included = rooms_included(own, project)
+        included.pop(room.name, None)
+        found += arrow_offences(room, included, rooms, project)
+    for program in programs:
+        missing = [path for path in program.sources if not path.is_file()]
+        found += [f"{program.name} is built from {path.name}, which does not exist" for path in missing]
+        if not missing:
+            found += arrow_offences(program, rooms_included(program.sources, project), rooms, project)
     return found
 
 
 def planted(files):
-    """The offences of a small tree of two or more rooms."""
+    """The offences of a small project."""
     with tempfile.TemporaryDirectory() as folder:
-        root = pathlib.Path(folder)
+        project = pathlib.Path(folder)
         for name, text in files.items():
-            path = root / name
+            path = project / name
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text, encoding="utf-8")
-        return offences(root)
-
-
-LOW = {"low/CMakeLists.txt": "kestrin_room(low)\n", "low/Low.h": "#include <vector>\n"}
-HIGH = "kestrin_room(high\n  SOURCES High.cpp\n  DEPENDS low # below\n  LIBRARIES CURL::libcurl)\n"
-HARMLESS = [
-    LOW | {"high/CMakeLists.txt": HIGH, "high/High.h": '#include "low/Low.h"\n',
-           "high/High.cpp": '#include "high/High.h"\n'},
-    LOW | {"platform/CMakeLists.txt": "kestrin_room(platform DEPENDS low)", "platform/Tray.h": "#include <QObject>\n"},
-    {"high/view/CMakeLists.txt": "kestrin_room(high/view)", "high/view/Window.h": "#include <QWidget>\n",
-     "high/view/Window.cpp": '#include "high/view/Window.h"\n'},
-    {"json/CMakeLists.txt": "kestrin_room(json SOURCES A.cpp)", "json/A.cpp": "#include <nlohmann/json.hpp>\n"},
-]
-PLANTED = {
-    "Qt header": LOW | {"low/Bad.h": "#include <QString>\n"},
-    "a Qt header outside": LOW | {"low/Bad.h": "#include <QtCore/QString>\n"},
-    "Qt header outside": LOW | {"low/Bad.cpp": "#include <QtGlobal>\n"},
-    "does not name low": LOW | {"high/CMakeLists.txt": "kestrin_room(high)", "high/High.h": '#include "low/Low.h"\n'},
-    "does not name high": LOW | {"high/CMakeLists.txt": HIGH, "high/High.h": "",
-                                 "low/Up.h": '  #  include "high/High.h"\n'},
-    "does not name high/view": {"high/CMakeLists.txt": "kestrin_room(high)", "high/view/W.h": "",
-                                "high/view/CMakeLists.txt": "kestrin_room(high/view DEPENDS high)",
-                                "high/Bad.h": '#include "high/view/W.h"\n'},
-    "does not read": LOW | {"low/Bad.cpp": '#include "Low.h"\n'},
-    "\"low/../low/Low.h\" does not read": LOW | {"low/Bad.cpp": '#include "low/../low/Low.h"\n'},
-    "does not exist": LOW | {"low/Bad.cpp": '#include "low/Missing.h"\n'},
-    "belongs in the sources": LOW | {"low/Bad.cpp": "#include <nlohmann/json.hpp>\n"},
-    "json alone": {"json/CMakeLists.txt": "kestrin_room(json)", "json/Bad.h": "#include <nlohmann/json_fwd.hpp>\n"},
-    "a -> b -> c -> a": {"a/CMakeLists.txt": "kestrin_room(a DEPENDS b)", "b/CMakeLists.txt": "kestrin_room(b DEPENDS c)",
-                         "c/CMakeLists.txt": "kestrin_room(c DEPENDS a)"},
-    "which is no room": {"a/CMakeLists.txt": "kestrin_room(a DEPENDS nowhere)"},
-    "declares no room": LOW | {"shed/CMakeLists.txt": "# Filled later.", "shed/Bad.h": '#include "low/Low.h"\n'},
-}
+        return offences(project)
 
 
 def check_itself():
@@ -163,12 +136,15 @@ def check_itself():
 
 def main():
     check_itself()
-    root = pathlib.Path(sys.argv[1])
-    if not declared_rooms(root):
-        sys.exit("no room is declared there")
-    found = offences(root)
-    print("\n".join(found))
-    print(f"{len(declared_rooms(root))} rooms, {len(found)} offences")
+    project = pathlib.Path(sys.argv[1])
+    rooms = len(declarations(project / "src", of_rooms=True))
+    programs = sum(len(declarations(project / folder, of_rooms=False)) for folder in ("src", "tests", "bench"))
+    if not rooms or not programs:
+        sys.exit("no room or no program is declared there")
+    found = offences(project)
+    for offence in found:
+        print(offence)
+    print(f"{rooms} rooms and {programs} programs, {len(found)} offences")
     sys.exit(1 if found else 0)
 
 
