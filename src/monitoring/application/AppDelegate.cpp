@@ -36,7 +36,7 @@ PopoverWindow& AppDelegate::window() {
     applyAndFollow(appearance_);
     view_ = new PopoverView({.startOrStop = [this] { startOrStop(); },
         .checkNow = [this] { graph_.model().checkNow(); },
-        .quit = [] { QApplication::quit(); }});
+        .quit = [this] { requestQuit(); }});
     window_ = std::make_unique<PopoverWindow>(view_);
     window_->onOpen = [this] {
         graph_.model().refreshIfStateChanged();
@@ -110,7 +110,11 @@ void AppDelegate::runMenuCommand(const std::string& id) {
     else if (id == "start-stop")
         startOrStop();
     else if (id == "quit")
-        QApplication::quit();
+        requestQuit();
+}
+
+void AppDelegate::requestQuit() {
+    QApplication::quit();
 }
 
 void AppDelegate::startOrStop() {

@@ -39,6 +39,8 @@ private:
     void redraw();
     void runMenuCommand(const std::string& id);
     void startOrStop();
+    /// The user wants to quit. A termination signal and the end of the session do not come here.
+    void requestQuit();
     /// The dashboard, made when it is first wanted: most runs begin at login and rest in the panel for long, and
     /// the fonts alone that a window needs cost memory and time.
     PopoverWindow& window();
