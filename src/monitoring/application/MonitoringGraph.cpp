@@ -15,14 +15,15 @@ namespace kestrin {
 
 namespace {
 
-// Two checks of a kind are in flight at most, each with one transfer; the rest is for loads and the serial owner
-// of checks and requests, who is one and the same: changing between two would wake a thread each time.
-constexpr std::size_t workThreads = 12;
+// Two checks of a kind are in flight at most, each with one look-up or one transfer; the rest is for loads and the
+// serial owner of checks and requests, who is one and the same: changing between two would wake a thread each time.
+// For the same reason there is one pool for everything: the thread that looked a name up goes on with the check.
+constexpr std::size_t workThreads = 20;
+// Look-ups cannot be stopped: beside all of that there must be room for every one that may be left behind.
+constexpr std::size_t maximumThreads = workThreads + BackgroundResolver::defaultMaximumAbandoned;
 // Where no further thread can be had, checks go on one by one on this one.
 constexpr std::size_t standingThreads = 1;
 constexpr std::chrono::milliseconds idleTime = std::chrono::seconds(1);
-// Resolutions cannot be stopped: beside those in use there must be room for every one that may be left behind.
-constexpr std::size_t resolverThreads = BackgroundResolver::defaultMaximumAbandoned + 8;
 constexpr std::chrono::milliseconds shutdownPatience = std::chrono::seconds(2);
 
 std::chrono::sys_seconds wallClockSeconds() {
@@ -33,9 +34,9 @@ std::chrono::sys_seconds wallClockSeconds() {
 
 struct MonitoringGraph::Checkers {
     Checkers(const ProxySettings& proxies, Executor& owner, Clock& clock, BlockingPool& pool,
-        BlockingPool& resolverPool, const std::stop_token& shutdown)
+        const std::stop_token& shutdown)
         : transport(TrustStore::systemBundles(), proxies),
-          resolver(resolverPool, std::make_shared<SystemNameResolver>(), clock, shutdown),
+          resolver(pool, std::make_shared<SystemNameResolver>(), clock, shutdown),
           client(FreshHTTPServices{owner, clock, pool, transport, resolver}),
           websites(client, resolver, clock, wallClockSeconds), services(clock, wallClockSeconds),
           network(liveProviderCheckDependencies(client, resolver)) {}
@@ -49,8 +50,8 @@ struct MonitoringGraph::Checkers {
 };
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
-    : mainExecutor_(mainExecutor), pool_(workThreads, idleTime, standingThreads), resolverPool_(resolverThreads),
-      checkExecutor_(pool_), clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
+    : mainExecutor_(mainExecutor), pool_(maximumThreads, idleTime, standingThreads), checkExecutor_(pool_),
+      clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
         return checkers().websites.checkWebsite(std::move(site), timeout);
     };
@@ -78,8 +79,8 @@ MonitoringGraph::~MonitoringGraph() = default;
 // A transport brings libcurl and OpenSSL to life, which a program that only rests in the panel need not pay for.
 const MonitoringGraph::Checkers& MonitoringGraph::checkers() {
     std::call_once(checkersAreMade_, [this] {
-        checkers_ = std::make_unique<Checkers>(
-            proxySettings_, checkExecutor_, clock_, pool_, resolverPool_, shutdown_.get_token());
+        checkers_ =
+            std::make_unique<Checkers>(proxySettings_, checkExecutor_, clock_, pool_, shutdown_.get_token());
     });
     return *checkers_;
 }
@@ -90,10 +91,10 @@ bool MonitoringGraph::shutDown(const RunMainUntil& runMainUntil) {
     tasks_.cancel();
     const TaskHandle<> end = spawn(mainExecutor_, tasks_.join());
     const bool tasksEnded = runMainUntil([&end] { return end.done(); });
-    // A look-up that hangs ends with the process; otherwise its threads are gone before anything that they use.
-    const bool lookupsEnded =
-        resolverPool_.waitUntilIdle(std::chrono::milliseconds(0)) && resolverPool_.shutDown(shutdownPatience);
-    return pool_.shutDown(shutdownPatience) && tasksEnded && lookupsEnded;
+    // A look-up that hangs ends with the process: nobody waits for it.
+    const bool lookupHangs = checkers_ && checkers_->resolver.abandonedCount() > 0;
+    const bool threadsEnded = pool_.shutDown(lookupHangs ? std::chrono::milliseconds(0) : shutdownPatience);
+    return threadsEnded && tasksEnded;
 }
 
 } // namespace kestrin

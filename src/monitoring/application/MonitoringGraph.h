@@ -17,7 +17,7 @@
 namespace kestrin {
 
 /// Everything behind the model, built at launch in the order in which the pieces need each other and taken down in
-/// a set order: cancel, wait for every task, then the pools. Main thread.
+/// a set order: cancel, wait for every task, then the threads. Main thread.
 class MonitoringGraph {
 public:
     /// `mainExecutor` and `clock` outlive the graph.
@@ -41,7 +41,6 @@ private:
 
     Executor& mainExecutor_;
     ThreadPool pool_;
-    ThreadPool resolverPool_;
     SerialExecutor checkExecutor_;
     std::stop_source shutdown_;
     Clock& clock_;
