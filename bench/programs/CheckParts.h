@@ -34,6 +34,11 @@ public:
         names_->answer(target.host, {target.address});
     }
 
+    // A thread that ended beside the process would free OpenSSL's data at the same time as the process does.
+    ~CheckParts() { (void)pool_.shutDown(std::chrono::minutes(1)); }
+    CheckParts(const CheckParts&) = delete;
+    CheckParts& operator=(const CheckParts&) = delete;
+
     [[nodiscard]] Clock& clock() { return clock_; }
     [[nodiscard]] const FreshHTTPClient& client() const { return client_; }
     [[nodiscard]] const BackgroundResolver& resolver() const { return resolver_; }
@@ -56,12 +61,11 @@ private:
     }
 
     VirtualClock clock_;
-    ThreadPool pool_{12};
-    ThreadPool resolverPool_{12};
+    ThreadPool pool_{36, std::chrono::seconds(1), 1}; ///< for everything, as in the program
     SerialExecutor executor_{pool_};
     std::shared_ptr<ScriptedResolver> names_ = std::make_shared<ScriptedResolver>();
     std::stop_source shutdown_;
-    BackgroundResolver resolver_{resolverPool_, names_, clock_, shutdown_.get_token()};
+    BackgroundResolver resolver_{pool_, names_, clock_, shutdown_.get_token()};
     CurlTransport transport_;
     FreshHTTPClient client_{FreshHTTPServices{executor_, clock_, pool_, transport_, resolver_}};
 };

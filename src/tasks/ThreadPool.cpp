@@ -116,23 +116,25 @@ void ThreadPool::runTurn(std::function<void()> turn) {
 
 void ThreadPool::submit(Work work) {
     std::vector<std::thread> ended;
+    bool wakes = false;
     {
         const std::lock_guard guard(state_->mutex);
-        if (!state_->closed || work.isTurn) hire(work);
+        if (!state_->closed || work.isTurn) wakes = hire(work);
         // Last: `hire` may throw, and threads that ended must be joined.
         ended.swap(state_->ended);
     }
+    // Without the lock, which the woken thread wants at once.
+    if (wakes) state_->workArrived.notify_one();
     // What was not taken is dropped here, without the lock: whoever waits for it may want something of this pool.
     work = {};
     State::join(std::move(ended));
 }
 
-// Takes the work, or throws and leaves it to the caller.
-void ThreadPool::hire(Work& work) {
+// Takes the work, or throws and leaves it to the caller. True when an idle thread is to be woken for it.
+bool ThreadPool::hire(Work& work) {
     state_->waiting.push_back(std::move(work));
-    if (state_->isTakenByWorker()) return;
-    state_->workArrived.notify_one();
-    if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) return;
+    if (state_->isTakenByWorker()) return false;
+    if (state_->idle >= state_->waiting.size() || state_->threads == state_->maximumThreads) return true;
     try {
         startThread();
     } catch (const std::system_error&) {
@@ -143,6 +145,7 @@ void ThreadPool::hire(Work& work) {
             throw;
         }
     }
+    return true;
 }
 
 void ThreadPool::startThread() {

@@ -43,7 +43,7 @@ private:
     struct State;
     struct Work;
     void submit(Work work);
-    void hire(Work& work);
+    [[nodiscard]] bool hire(Work& work);
     void startThread();
 
     std::shared_ptr<State> state_;

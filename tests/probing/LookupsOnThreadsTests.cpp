@@ -85,9 +85,9 @@ Task<> note(Task<DNSResolution> resolving, Ending& ending, std::latch& ended) {
 class LookupsOnThreads : public testing::Test {
 protected:
     VirtualClock clock;
-    ThreadPool executorThreads{2};
-    ThreadPool lookupThreads{2 * lookupsPerRound};
-    SerialExecutor caller{executorThreads};
+    ThreadPool threads{
+        2 * lookupsPerRound + 2}; ///< for lookups and the tasks that wait for them, as in the program
+    SerialExecutor caller{threads};
     std::shared_ptr<HeldResolver> names = std::make_shared<HeldResolver>();
     std::size_t begun = 0;
     std::vector<TaskHandle<>> handles;
@@ -119,9 +119,8 @@ protected:
             meanwhile();
         }
         ended.wait();
-        EXPECT_TRUE(lookupThreads.waitUntilIdle(1min));
+        EXPECT_TRUE(threads.waitUntilIdle(1min));
         EXPECT_EQ(resolver.abandonedCount(), 0U);
-        EXPECT_TRUE(executorThreads.waitUntilIdle(1min));
         EXPECT_EQ(clock.timerCount(), 0U);
         return endings;
     }
@@ -140,8 +139,7 @@ protected:
     }
 
     void expectAllGone() {
-        EXPECT_TRUE(executorThreads.shutDown(1min));
-        EXPECT_TRUE(lookupThreads.shutDown(1min));
+        EXPECT_TRUE(threads.shutDown(1min));
         handles.clear();
         EXPECT_EQ(names.use_count(), 1) << "a lookup has been leaked";
     }
@@ -150,7 +148,7 @@ protected:
 TEST_F(LookupsOnThreads, thatReturnAtTheLimitEndOnceAndAreNeverMiscounted) {
     {
         std::stop_source shutdown;
-        const BackgroundResolver resolver(lookupThreads, names, clock, shutdown.get_token());
+        const BackgroundResolver resolver(threads, names, clock, shutdown.get_token());
         for (int round = 0; round < rounds; ++round) {
             const auto endings = outcomesWhile(resolver, [this] { clock.advance(30s); });
             expectEachOnce(endings, [](std::size_t) { return false; });
@@ -162,7 +160,7 @@ TEST_F(LookupsOnThreads, thatReturnAtTheLimitEndOnceAndAreNeverMiscounted) {
 TEST_F(LookupsOnThreads, whoseTasksAreCancelledAtTheLimitEndOnceAndAreNeverMiscounted) {
     {
         std::stop_source shutdown;
-        const BackgroundResolver resolver(lookupThreads, names, clock, shutdown.get_token());
+        const BackgroundResolver resolver(threads, names, clock, shutdown.get_token());
         for (int round = 0; round < rounds; ++round) {
             const auto endings = outcomesWhile(resolver, [this] {
                 const std::jthread cancel([this] {
@@ -180,7 +178,7 @@ TEST_F(LookupsOnThreads, whoseTasksAreCancelledAtTheLimitEndOnceAndAreNeverMisco
 TEST_F(LookupsOnThreads, thatReturnAsTheProgramEndsEndOnceAndAreNeverMiscounted) {
     for (int round = 0; round < rounds; ++round) {
         std::stop_source shutdown;
-        const BackgroundResolver resolver(lookupThreads, names, clock, shutdown.get_token());
+        const BackgroundResolver resolver(threads, names, clock, shutdown.get_token());
         const auto endings = outcomesWhile(resolver, [&] {
             const std::jthread end([&shutdown] { shutdown.request_stop(); });
             clock.advance(30s);

@@ -25,11 +25,9 @@ Task<> countDownAfter(Task<FreshHTTPResponse> fetch, std::atomic<int>& answered,
 TEST(FetchingOnRealThreads, everyCallEndsOnceAndFirstLookupsNeverOverlap) {
     constexpr std::size_t calls = 64;
     VirtualClock clock;
-    ThreadPool executorThreads(2);
-    ThreadPool transferThreads(8);
-    ThreadPool lookupThreads(8);
-    SerialExecutor caller(executorThreads);
-    SerialExecutor owner(executorThreads);
+    ThreadPool threads(20); // for tasks, lookups and transfers, as in the program
+    SerialExecutor caller(threads);
+    SerialExecutor owner(threads);
     ScriptedTransport internet(clock);
     auto names = std::make_shared<ScriptedResolver>();
     std::atomic<int> lookupsAtOnce = 0;
@@ -48,8 +46,8 @@ TEST(FetchingOnRealThreads, everyCallEndsOnceAndFirstLookupsNeverOverlap) {
         internet.answer("www." + host, 200);
     }
     std::stop_source shutdown;
-    const BackgroundResolver resolver(lookupThreads, names, clock, shutdown.get_token(), calls);
-    const FreshHTTPClient client(FreshHTTPServices{owner, clock, transferThreads, internet, resolver});
+    const BackgroundResolver resolver(threads, names, clock, shutdown.get_token(), calls);
+    const FreshHTTPClient client(FreshHTTPServices{owner, clock, threads, internet, resolver});
 
     std::atomic<int> answered = 0;
     std::latch ended(static_cast<std::ptrdiff_t>(calls));
@@ -64,9 +62,7 @@ TEST(FetchingOnRealThreads, everyCallEndsOnceAndFirstLookupsNeverOverlap) {
 
     EXPECT_FALSE(overlapped);
     EXPECT_GE(static_cast<std::size_t>(answered), calls - (calls + 2) / 3);
-    EXPECT_TRUE(executorThreads.shutDown(1min));
-    EXPECT_TRUE(transferThreads.shutDown(1min));
-    EXPECT_TRUE(lookupThreads.shutDown(1min));
+    EXPECT_TRUE(threads.shutDown(1min));
     EXPECT_EQ(resolver.abandonedCount(), 0U);
 }
 

@@ -49,12 +49,10 @@ ProviderDefinition serviceNumber(std::size_t number) {
 
 TEST(CheckingServicesOnRealThreads, everyCheckAndPreviewEndsOnceWithItsOwnAnswerOrItsCancellation) {
     VirtualClock clock;
-    ThreadPool executorThreads(4);
-    ThreadPool transferThreads(8);
-    ThreadPool lookupThreads(8);
-    SerialExecutor checks(executorThreads);
-    SerialExecutor previews(executorThreads);
-    SerialExecutor owner(executorThreads);
+    ThreadPool threads(20); // for tasks, lookups and transfers, as in the program
+    SerialExecutor checks(threads);
+    SerialExecutor previews(threads);
+    SerialExecutor owner(threads);
     ScriptedTransport internet(clock);
     auto names = std::make_shared<ScriptedResolver>();
     ScriptedTransport::Answer missing;
@@ -70,8 +68,8 @@ TEST(CheckingServicesOnRealThreads, everyCheckAndPreviewEndsOnceWithItsOwnAnswer
         internet.answer(host, present);
     }
     std::stop_source shutdown;
-    const BackgroundResolver resolver(lookupThreads, names, clock, shutdown.get_token(), 2 * services);
-    const FreshHTTPClient client(FreshHTTPServices{owner, clock, transferThreads, internet, resolver});
+    const BackgroundResolver resolver(threads, names, clock, shutdown.get_token(), 2 * services);
+    const FreshHTTPClient client(FreshHTTPServices{owner, clock, threads, internet, resolver});
     const ProviderCheckDependencies dependencies = liveProviderCheckDependencies(client, resolver);
     const ProviderChecker checker(clock, [] { return std::chrono::sys_seconds(); });
 
@@ -100,9 +98,7 @@ TEST(CheckingServicesOnRealThreads, everyCheckAndPreviewEndsOnceWithItsOwnAnswer
             EXPECT_EQ(outcomes[number], "Operational at https://" + std::to_string(number) + ".example" + path);
     }
     EXPECT_LE(cancelled, outcomes.size() / 5);
-    EXPECT_TRUE(executorThreads.shutDown(1min));
-    EXPECT_TRUE(transferThreads.shutDown(1min));
-    EXPECT_TRUE(lookupThreads.shutDown(1min));
+    EXPECT_TRUE(threads.shutDown(1min));
 }
 
 TEST(KnownServicesOnRealThreads, areBuiltOnceWhoeverAsksFirst) {
