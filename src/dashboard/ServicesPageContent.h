@@ -35,10 +35,10 @@ struct ServiceRowContent {
     std::string name;
     std::string state;
     std::string summary;
-    std::string historyTitle;             ///< empty without records
-    std::vector<StatusBlock> history;     ///< oldest first, at most 24
-    std::string historyAccessibleLabel;   ///< empty without records
-    std::string noHistory;                ///< below the plain block without records, otherwise empty
+    std::string historyTitle;           ///< empty without records
+    std::vector<StatusBlock> history;   ///< oldest first, at most 24
+    std::string historyAccessibleLabel; ///< empty without records
+    std::string noHistory;              ///< below the plain block without records, otherwise empty
     std::optional<std::string> failure;
     std::string lastChecked;
     std::string linkText;

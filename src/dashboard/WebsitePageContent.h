@@ -34,9 +34,9 @@ struct CheckRowContent {
     bool up = false; ///< green when it was up, otherwise red
     std::string result;
     std::string time;
-    std::string duration; ///< empty when it was not measured
+    std::string duration;       ///< empty when it was not measured
     std::string accessibleName; ///< begins with whether the website was up
-    std::string details;  ///< for the tooltip: moment, result, duration and addresses, a line each
+    std::string details;        ///< for the tooltip: moment, result, duration and addresses, a line each
 
     bool operator==(const CheckRowContent&) const = default;
 };
