@@ -16,11 +16,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
-    void fixThickness();
-
     Qt::Orientation orientation_;
     double inset_;
 };

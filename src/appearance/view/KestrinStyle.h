@@ -8,6 +8,8 @@ namespace kestrin {
 /// bars, tool tips, items and the focus ring. What it does not know, Fusion draws with the theme's palette. Give it
 /// to QApplication::setStyle. Main thread.
 class KestrinStyle : public QProxyStyle {
+    Q_OBJECT
+
 public:
     KestrinStyle();
 

@@ -99,6 +99,7 @@ QColor Theme::color(ColorRole role) const {
     const bool faint = role == ColorRole::border || role == ColorRole::control || role == ColorRole::edge ||
                        role == ColorRole::secondary;
     if (settings_.highContrast && faint) role = ColorRole::text;
+    if (settings_.highContrast && role == ColorRole::window) return settings_.dark ? Qt::black : Qt::white;
     return QColor(shade(roles.at(static_cast<std::size_t>(role)), settings_.dark));
 }
 
