@@ -20,7 +20,7 @@ int xScreenNumber() {
 xcb_atom_t xAtom(xcb_connection_t* connection, const std::string& name) {
     const auto cookie = xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.data());
     const auto reply = ownedReply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 } // namespace kestrin

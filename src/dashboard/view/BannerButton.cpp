@@ -7,6 +7,7 @@
 #include "dashboard/view/WindowCorners.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace kestrin {
 
@@ -30,9 +31,9 @@ BannerButton::BannerButton(QWidget* parent) : QAbstractButton(parent) {
 
 void BannerButton::show(const UpdateBannerContent& content) {
     content_ = content;
-    setAccessibleName(text(content.accessibleLabel));
-    setAccessibleDescription(text(content.accessibleHint));
-    setToolTip(plainToolTip(text(content.accessibleHint)));
+    setAccessibleName(kestrin::text(content.accessibleLabel));
+    setAccessibleDescription(kestrin::text(content.accessibleHint));
+    setToolTip(plainToolTip(kestrin::text(content.accessibleHint)));
     update();
 }
 
@@ -59,9 +60,9 @@ void BannerButton::paintEvent(QPaintEvent* /*event*/) {
     const double chevron = theme.length(chevronSize);
     const double edge = theme.length(side);
     painter.setLayoutDirection(layoutDirection());
-    paintSymbol(painter, placed(edge, (height() - symbol) / 2, symbol, symbol), text(content_.symbol), accent);
+    paintSymbol(painter, placed(edge, (height() - symbol) / 2, symbol, symbol), kestrin::text(content_.symbol), accent);
     paintSymbol(painter, placed(width() - edge - chevron, (height() - chevron) / 2, chevron, chevron),
-        text(content_.trailingSymbol), theme.color(ColorRole::secondary));
+        kestrin::text(content_.trailingSymbol), theme.color(ColorRole::secondary));
 
     const double left = edge + symbol + theme.length(symbolToText);
     const double room = width() - left - edge - chevron - theme.length(symbolToText);
@@ -72,7 +73,7 @@ void BannerButton::paintEvent(QPaintEvent* /*event*/) {
         painter.setPen(theme.color(role));
         painter.drawText(placed(left, top, room, metrics.height()),
             QStyle::visualAlignment(layoutDirection(), Qt::AlignLeading) | Qt::AlignVCenter | Qt::TextSingleLine,
-            metrics.elidedText(text(what), Qt::ElideRight, room));
+            metrics.elidedText(kestrin::text(what), Qt::ElideRight, room));
         top += metrics.height();
     };
     line(content_.title, TextStyle::captionDemiBold, ColorRole::text);

@@ -32,7 +32,9 @@ BottomBars::BottomBars(Actions actions, QWidget* refuge, QWidget* parent)
     for (auto [button, action] :
         {std::pair(startStop_, std::move(actions.startOrStop)), std::pair(checkNow_, std::move(actions.checkNow)),
             std::pair(settings_, std::move(actions.openSettings)), std::pair(quit_, std::move(actions.quit))})
-        connect(button, &QPushButton::clicked, this, [run = action] { run(); });
+        connect(button, &QPushButton::clicked, this, [run = action] {
+            if (run) run();
+        });
     for (QPushButton* button : {checkNow_, settings_, quit_})
         setButtonKind(button, ButtonKind::flat);
     followTheme();

@@ -51,7 +51,9 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
     layout_->addWidget(scroll_, 1);
     layout_->addWidget(bars_);
     scroll_->onScrolled = [this] { header_->setSeparated(!headerScrolls_ && scroll_->isScrolled()); };
-    connect(banner_, &BannerButton::clicked, this, [run = actions.openDownloadPage] { run(); });
+    connect(banner_, &BannerButton::clicked, this, [run = actions.openDownloadPage] {
+        if (run) run();
+    });
     addShortcuts(actions);
     followTheme();
 }
@@ -59,7 +61,7 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
 void DashboardView::addShortcuts(const Actions& actions) {
     const auto add = [this](const QKeySequence& keys, CommandID id, const std::function<void()>& action) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, id, action] {
-            if (shown_ && command(*shown_, id).enabled) action();
+            if (action && shown_ && command(*shown_, id).enabled) action();
         });
     };
     add(QKeySequence(Qt::Key_F5), CommandID::checkNow, actions.checkNow);

@@ -23,6 +23,7 @@ class WebsitePage;
 /// Draws a `DashboardContent` and passes on what the user did. It knows neither the model nor the window around it.
 class DashboardView : public ThemedWidget {
 public:
+    /// What is left empty does nothing.
     struct Actions {
         std::function<void()> startOrStop;
         std::function<void()> checkNow;

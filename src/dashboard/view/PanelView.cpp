@@ -22,7 +22,9 @@ PanelView::PanelView(std::function<void()> openSettings, QWidget* parent)
     title_->setAlignment(Qt::AlignCenter);
     description_->setAlignment(Qt::AlignCenter);
     description_->setSelectable(true);
-    connect(button_, &QPushButton::clicked, this, [run = std::move(openSettings)] { run(); });
+    connect(button_, &QPushButton::clicked, this, [run = std::move(openSettings)] {
+        if (run) run();
+    });
     layout_->addStretch();
     for (QWidget* widget : {static_cast<QWidget*>(spinner_), static_cast<QWidget*>(symbol_),
              static_cast<QWidget*>(title_), static_cast<QWidget*>(description_), static_cast<QWidget*>(button_)}) {
