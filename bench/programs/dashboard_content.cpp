@@ -1,6 +1,7 @@
 // dashboard_content ROOT COUNT - makes what the dashboard shows of 25 websites and 10 status services with full
-// histories, in the empty directory ROOT, COUNT times for each of its two pages. Prints "AGAIN FIRST" in microseconds,
-// both of the page that takes longer: one drawing, and the first one of a thread, which makes its formatters.
+// histories, in the empty directory ROOT, COUNT times for each of its two pages. Prints "AGAIN FIRST" in
+// microseconds, both of the page that takes longer: one drawing, and the first one of a thread, which makes its
+// formatters.
 #include "CPUTime.h"
 #include "dashboard/DashboardPresentation.h"
 #include "fakes/FakeCustomProviders.h"
@@ -39,7 +40,8 @@ void writeState(StateWriter& writer, FakeServices& services) {
     configuration.providerStatus = {.enabled = true, .providerIDs = {}};
     for (int index = 0; index < websiteCount; ++index) {
         const std::string id = "site-" + std::to_string(index);
-        configuration.sites.push_back({.id = id, .name = "Website " + id, .url = "https://" + id + ".example.com/"});
+        configuration.sites.push_back(
+            {.id = id, .name = "Website " + id, .url = "https://" + id + ".example.com/"});
     }
     services.included.clear();
     for (int index = 0; index < serviceCount; ++index) {
