@@ -60,7 +60,8 @@ void BannerButton::paintEvent(QPaintEvent* /*event*/) {
     const double chevron = theme.length(chevronSize);
     const double edge = theme.length(side);
     painter.setLayoutDirection(layoutDirection());
-    paintSymbol(painter, placed(edge, (height() - symbol) / 2, symbol, symbol), kestrin::text(content_.symbol), accent);
+    paintSymbol(
+        painter, placed(edge, (height() - symbol) / 2, symbol, symbol), kestrin::text(content_.symbol), accent);
     paintSymbol(painter, placed(width() - edge - chevron, (height() - chevron) / 2, chevron, chevron),
         kestrin::text(content_.trailingSymbol), theme.color(ColorRole::secondary));
 

@@ -1,15 +1,10 @@
 #include "dashboard/view/PopoverWindow.h"
 
-#include "appearance/view/Shapes.h"
-#include "appearance/view/Theme.h"
-#include "dashboard/view/WindowCorners.h"
-#include "platform/Compositing.h"
 #include "platform/PopoverPlacement.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -23,7 +18,6 @@ namespace {
 // The press of a click takes the focus away, its release arrives as the activation: a click takes no longer than
 // this.
 constexpr std::chrono::milliseconds longestClick{400};
-constexpr double screenMargin = 24;
 
 ScreenArea areaOf(const QScreen& screen) {
     return {.full = screen.geometry(),
@@ -66,7 +60,6 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
         resize(sizeForContent());
         heightForContent_ = height();
         if (style_ == Style::Popover) moveBeside(click_);
-        if (onShow) onShow();
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
@@ -89,30 +82,8 @@ void PopoverWindow::applyStyle() {
     // A tool window rather than Qt's own kind of popup, which screen readers do not see.
     const Qt::WindowFlags flags =
         style_ == Style::Popover ? Qt::Tool | Qt::FramelessWindowHint : Qt::WindowFlags(Qt::Window);
-    // Only a desktop that composes its windows shows what is behind the corners; elsewhere they would be black.
-    const bool isTransparent = style_ == Style::Popover && windowsMayBeTransparent();
-    if (testAttribute(Qt::WA_TranslucentBackground) != isTransparent) {
-        // A native window keeps the kind of picture that it was made with.
-        if (windowHandle()) destroy();
-        setAttribute(Qt::WA_TranslucentBackground, isTransparent);
-    }
     if (windowFlags() != flags) setWindowFlags(flags);
-    const int outline = style_ == Style::Popover ? 1 : 0;
-    layout()->setContentsMargins(outline, outline, outline, outline);
-}
-
-void PopoverWindow::paintEvent(QPaintEvent* /*event*/) {
-    const Theme& theme = currentTheme();
-    QPainter painter(this);
-    if (style_ == Style::OrdinaryWindow) {
-        painter.fillRect(rect(), theme.color(ColorRole::window));
-        return;
-    }
-    painter.setRenderHint(QPainter::Antialiasing);
-    const double radius = windowCornerRadius(this);
-    fillRounded(painter, QRectF(rect()), radius, theme.color(ColorRole::window));
-    outlineRounded(
-        painter, QRectF(rect()), radius, hairlineWidth(devicePixelRatioF()), theme.color(ColorRole::edge));
+    setFrameStyle(style_ == Style::Popover ? QFrame::StyledPanel | QFrame::Plain : QFrame::NoFrame);
 }
 
 void PopoverWindow::moveBeside(std::optional<QPoint> click) {
@@ -130,16 +101,13 @@ void PopoverWindow::moveBeside(std::optional<QPoint> click) {
 // Not the window's own hint nor adjustSize(): for a given width they ask the layouts within, which leave out the
 // rows that scroll.
 QSize PopoverWindow::sizeForContent() const {
-    const QScreen* on = screen() ? screen() : QGuiApplication::primaryScreen();
-    const int margin = currentTheme().length(screenMargin);
-    const QSize most = on->availableSize() - QSize(margin, margin);
-    return content_->sizeHint().grownBy(layout()->contentsMargins()).boundedTo(most);
+    return content_->sizeHint().grownBy(contentsMargins());
 }
 
 // A first load, a notice or a longer error may need more room than there was at the opening. What the user resized
 // by hand stays as it is until the content outgrows what it needed before.
 void PopoverWindow::growToContent() {
-    const int wanted = sizeForContent().height();
+    const int wanted = std::min(sizeForContent().height(), screen()->availableSize().height());
     if (wanted <= heightForContent_) return;
     heightForContent_ = wanted;
     if (wanted <= height() || isMaximized() || isFullScreen()) return;
@@ -155,13 +123,13 @@ void PopoverWindow::dismiss() {
 }
 
 bool PopoverWindow::event(QEvent* event) {
-    const bool handled = QWidget::event(event);
+    const bool handled = QFrame::event(event);
     if (event->type() == QEvent::LayoutRequest && isVisible()) growToContent();
     return handled;
 }
 
 void PopoverWindow::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
+    QFrame::changeEvent(event);
     if (event->type() != QEvent::ActivationChange) return;
     if (style_ == Style::OrdinaryWindow) {
         if (isActiveWindow() && isVisible() && onOpen) onOpen();
@@ -176,7 +144,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && style_ == Style::Popover)
         dismiss();
     else
-        QWidget::keyPressEvent(event);
+        QFrame::keyPressEvent(event);
 }
 
 } // namespace kestrin

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QFrame>
 #include <QPoint>
-#include <QWidget>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,7 +11,7 @@ namespace kestrin {
 
 /// The window around the dashboard. Beside a tray icon it is a popover: placed at the click, gone when another
 /// window becomes active. Without one it is an ordinary window that stays; closing hides it. Main thread only.
-class PopoverWindow : public QWidget {
+class PopoverWindow : public QFrame {
 public:
     enum class Style { Popover, OrdinaryWindow };
 
@@ -26,14 +26,11 @@ public:
 
     /// The user has come to the window: it is opened, brought forward or, where it stays open, active again.
     std::function<void()> onOpen;
-    /// The window is about to be shown, and the keyboard's focus to be given to a control.
-    std::function<void()> onShow;
 
 protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     [[nodiscard]] bool opensWhenFocusIsLost(std::optional<QPoint> click, const std::string& activationToken);

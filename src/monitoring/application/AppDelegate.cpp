@@ -1,7 +1,6 @@
 #include "monitoring/application/AppDelegate.h"
 
-#include "content/Command.h"
-#include "dashboard/DashboardPresentation.h"
+#include "dashboard/PopoverContent.h"
 #include "monitoring/application/ApplicationAppearance.h"
 #include "platform/EventProcessing.h"
 
@@ -16,35 +15,6 @@ namespace {
 // A panel that starts along with the session takes a moment; only after it is there known to be none.
 constexpr std::chrono::seconds hostGracePeriod{5};
 constexpr std::chrono::seconds shutdownPatience{2};
-constexpr SettingsAccess settingsAccess = SettingsAccess::notAvailable;
-
-const char* menuID(CommandID id) {
-    switch (id) {
-    case CommandID::openDashboard:
-        return "dashboard";
-    case CommandID::startOrStop:
-        return "start-stop";
-    case CommandID::checkNow:
-        return "check-now";
-    case CommandID::openSettings:
-        return "settings";
-    case CommandID::quit:
-        return "quit";
-    }
-    return "";
-}
-
-/// The same commands as in the dashboard, Quit apart from the rest.
-std::vector<TrayMenuEntry> trayMenu(const std::vector<Command>& commands) {
-    std::vector<TrayMenuEntry> menu;
-    for (const Command& command : commands) {
-        if (command.id == CommandID::quit) menu.push_back({.id = "", .label = "", .separator = true});
-        // Settings open a window that asks for more.
-        const std::string label = command.label + (command.id == CommandID::openSettings ? "…" : "");
-        menu.push_back({.id = menuID(command.id), .label = label, .enabled = command.enabled});
-    }
-    return menu;
-}
 
 } // namespace
 
@@ -64,20 +34,14 @@ AppDelegate::AppDelegate(const std::filesystem::path& stateRoot, AppearanceFollo
 PopoverWindow& AppDelegate::window() {
     if (window_) return *window_;
     applyAndFollow(appearance_);
-    AppModel& model = graph_.model();
-    view_ = new DashboardView({.startOrStop = [this] { startOrStop(); },
-        .checkNow = [&model] { model.checkNow(); },
-        .quit = [this] { requestQuit(); },
-        .selectSite = [&model](const std::string& id) { model.selectSite(id); },
-        .showPage =
-            [&model](
-                bool services) { model.setMonitorPage(services ? MonitorPage::providers : MonitorPage::sites); }});
+    view_ = new PopoverView({.startOrStop = [this] { startOrStop(); },
+        .checkNow = [this] { graph_.model().checkNow(); },
+        .quit = [this] { requestQuit(); }});
     window_ = std::make_unique<PopoverWindow>(view_);
     window_->onOpen = [this] {
         graph_.model().refreshIfStateChanged();
         redraw();
     };
-    window_->onShow = [this] { view_->focusFirstControl(); };
     return *window_;
 }
 
@@ -126,18 +90,18 @@ void AppDelegate::modelChanged() {
 }
 
 void AppDelegate::redraw() {
-    DashboardContent content = dashboardContent(graph_.model(), nullptr, settingsAccess, formats_);
-    for (const std::string& notice : launchNotices_)
-        content.notices.push_back(launchNotice(notice));
+    PopoverContent content = popoverContent(graph_.model(), formats_);
+    content.notices.insert(content.notices.begin(), launchNotices_.begin(), launchNotices_.end());
     view_->show(content);
 }
 
 void AppDelegate::updateMenu() {
-    if (!tray_) return;
-    std::vector<TrayMenuEntry> menu = trayMenu(dashboardCommands(graph_.model(), settingsAccess));
-    if (menu_ == menu) return;
-    menu_ = menu;
-    tray_->setMenu(std::move(menu));
+    const bool showsStop = graph_.model().isMonitoring();
+    if (!tray_ || menuShowsStop_ == showsStop) return;
+    menuShowsStop_ = showsStop;
+    tray_->setMenu({{.id = "dashboard", .label = "Open dashboard"},
+        {.id = "start-stop", .label = showsStop ? "Stop" : "Start"}, {.id = "", .label = "", .separator = true},
+        {.id = "quit", .label = "Quit"}});
 }
 
 void AppDelegate::runMenuCommand(const std::string& id) {
@@ -145,8 +109,6 @@ void AppDelegate::runMenuCommand(const std::string& id) {
         activate(tray_->takeActivationToken());
     else if (id == "start-stop")
         startOrStop();
-    else if (id == "check-now")
-        graph_.model().checkNow();
     else if (id == "quit")
         requestQuit();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dashboard/view/DashboardView.h"
+#include "dashboard/view/PopoverView.h"
 #include "dashboard/view/PopoverWindow.h"
 #include "monitoring/application/MonitoringGraph.h"
 #include "platform/AppearanceFollower.h"
@@ -54,11 +54,11 @@ private:
     MonitoringGraph graph_;
     ChangeListeners::Subscription modelChanges_;
     std::unique_ptr<PopoverWindow> window_; ///< none before the first opening
-    DashboardView* view_ = nullptr;         ///< owned by the window
+    PopoverView* view_ = nullptr;           ///< owned by the window
     std::unique_ptr<TrayIcon> tray_;
     QTimer hostGrace_;
     bool redrawIsDue_ = false;
-    std::vector<TrayMenuEntry> menu_;
+    std::optional<bool> menuShowsStop_;
 };
 
 } // namespace kestrin

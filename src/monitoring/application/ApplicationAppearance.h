@@ -1,15 +1,16 @@
 #pragma once
 
-#include "appearance/view/Theme.h"
 #include "platform/AppearanceFollower.h"
+
+#include <QPalette>
 
 namespace kestrin {
 
-/// For the primary screen. Main thread.
-[[nodiscard]] Theme themeFor(const DesktopAppearance& appearance);
+/// Light or dark, in plain black and white where the desktop asks for high contrast.
+[[nodiscard]] QPalette paletteFor(const DesktopAppearance& appearance);
 
-/// Gives the whole application that theme, now and whenever it is called again; windows that are open follow.
-/// Widgets are drawn by KestrinStyle. Main thread.
+/// Gives the whole application that font and those colours, now and whenever it is called again; windows that are
+/// open follow. Widgets are drawn by Fusion, the one style that every Qt has. Main thread.
 void applyAppearance(const DesktopAppearance& appearance);
 
 /// Does that with what the desktop says now and whenever it changes. Before the first window and not sooner: a

@@ -1,9 +1,9 @@
 #include "monitoring/application/ApplicationAppearance.h"
 
-#include "appearance/view/KestrinStyle.h"
-
 #include <QApplication>
 #include <QLabel>
+#include <QStyle>
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -16,6 +16,23 @@ double luminance(const QColor& colour) {
         return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
     };
     return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+}
+
+/// The ratio of WCAG, from 1 to 21.
+double contrast(const QColor& one, const QColor& other) {
+    const double ratio = (luminance(one) + 0.05) / (luminance(other) + 0.05);
+    return std::max(ratio, 1 / ratio);
+}
+
+constexpr std::pair<QPalette::ColorRole, QPalette::ColorRole> texts[] = {{QPalette::WindowText, QPalette::Window},
+    {QPalette::Text, QPalette::Base}, {QPalette::ButtonText, QPalette::Button},
+    {QPalette::ToolTipText, QPalette::ToolTipBase}, {QPalette::PlaceholderText, QPalette::Base},
+    {QPalette::HighlightedText, QPalette::Highlight}, {QPalette::Link, QPalette::Window}};
+
+void expectContrast(const DesktopAppearance& appearance, double least) {
+    const QPalette palette = paletteFor(appearance);
+    for (const auto& [text, ground] : texts)
+        EXPECT_GE(contrast(palette.color(text), palette.color(ground)), least) << text << " on " << ground;
 }
 
 class TheApplication : public testing::Test {
@@ -35,26 +52,30 @@ protected:
 
 } // namespace
 
-TEST_F(TheApplication, isLightOrDarkAsTheDesktopSays) {
-    EXPECT_FALSE(themeFor({}).isDark());
-    EXPECT_TRUE(themeFor({.dark = true}).isDark());
-    EXPECT_TRUE(themeFor({.highContrast = true}).isHighContrast());
-    EXPECT_TRUE(themeFor({.reducedMotion = true}).reducedMotion());
+TEST(ThePalette, isLightOrDark) {
+    EXPECT_GT(luminance(paletteFor({}).color(QPalette::Window)), 0.8);
+    EXPECT_LT(luminance(paletteFor({.dark = true}).color(QPalette::Window)), 0.05);
 }
 
-TEST_F(TheApplication, hasABlackOrWhiteWindowInHighContrast) {
+TEST(ThePalette, canBeReadInEveryRole) {
+    expectContrast({}, 4.5);
+    expectContrast({.dark = true}, 4.5);
+}
+
+TEST(ThePalette, isBlackAndWhiteInHighContrast) {
     for (const bool dark : {false, true}) {
-        applyAppearance({.dark = dark, .highContrast = true});
-        EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(dark ? Qt::black : Qt::white));
+        const QPalette palette = paletteFor({.dark = dark, .highContrast = true});
+        EXPECT_EQ(palette.color(QPalette::Window), QColor(dark ? Qt::black : Qt::white));
+        EXPECT_EQ(palette.color(QPalette::WindowText), QColor(dark ? Qt::white : Qt::black));
     }
 }
 
 TEST_F(TheApplication, takesOverStyleFontAndColours) {
     applyAppearance({.fontFamily = "Noto Sans", .fontPoints = 12.5, .dark = true});
-    EXPECT_TRUE(qobject_cast<KestrinStyle*>(QApplication::style()));
+    EXPECT_EQ(QApplication::style()->name(), "fusion");
     EXPECT_EQ(QApplication::font().family(), "Noto Sans");
     EXPECT_DOUBLE_EQ(QApplication::font().pointSizeF(), 12.5);
-    EXPECT_EQ(QApplication::palette().color(QPalette::Window), themeFor({.dark = true}).color(ColorRole::window));
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), paletteFor({.dark = true}).color(QPalette::Window));
 }
 
 TEST_F(TheApplication, hasWidgetsThatFollow) {

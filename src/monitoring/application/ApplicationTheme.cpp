@@ -1,0 +1,32 @@
+#include "monitoring/application/ApplicationTheme.h"
+
+#include "appearance/view/KestrinStyle.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QScreen>
+
+namespace kestrin {
+
+Theme themeFor(const DesktopAppearance& appearance) {
+    ThemeSettings settings{.dark = appearance.dark,
+        .highContrast = appearance.highContrast,
+        .reducedMotion = appearance.reducedMotion,
+        .applicationFont = QFont(QString::fromStdString(appearance.fontFamily))};
+    settings.applicationFont.setPointSizeF(appearance.fontPoints);
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        settings.logicalDpi = screen->logicalDotsPerInchY();
+    return Theme::make(settings);
+}
+
+void applyTheme(const DesktopAppearance& appearance) {
+    setCurrentTheme(themeFor(appearance));
+    if (!qobject_cast<KestrinStyle*>(QApplication::style())) QApplication::setStyle(new KestrinStyle);
+}
+
+void applyAndFollowTheme(AppearanceFollower& appearance) {
+    applyTheme(appearance.appearance());
+    appearance.onChange = applyTheme;
+}
+
+} // namespace kestrin
