@@ -22,7 +22,9 @@ double contrast(const QColor& one, const QColor& other) {
 }
 
 QColor over(const QColor& color, double opacity, const QColor& ground) {
-    const auto part = [&](double top, double bottom) { return static_cast<float>(top * opacity + bottom * (1 - opacity)); };
+    const auto part = [&](double top, double bottom) {
+        return static_cast<float>(top * opacity + bottom * (1 - opacity));
+    };
     return QColor::fromRgbF(part(color.redF(), ground.redF()), part(color.greenF(), ground.greenF()),
         part(color.blueF(), ground.blueF()));
 }
@@ -46,9 +48,8 @@ const std::vector<Meeting> meetings{
     {onDanger, {danger}, 4.5},
     {disabled, {surface}, 3},
     {control, {window, surface, raised}, 3},
-    {accentFill, {window, surface, raised}, 2.6}, // its white text carries the button; on the surface it has 3
-    {accentFill, {surface}, 3},
-    {danger, {surface}, 2.8},
+    {accentFill, {window, surface}, 3},
+    {danger, {window}, 3},
 };
 
 constexpr StateColor states[] = {
@@ -68,8 +69,9 @@ std::string nameOf(const testing::TestParamInfo<std::pair<bool, bool>>& info) {
     return std::string(info.param.first ? "dark" : "light") + (info.param.second ? "InHighContrast" : "");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    OfEveryTheme, TheColors, testing::Values(std::pair(false, false), std::pair(true, false), std::pair(false, true), std::pair(true, true)), nameOf);
+INSTANTIATE_TEST_SUITE_P(OfEveryTheme, TheColors,
+    testing::Values(std::pair(false, false), std::pair(true, false), std::pair(false, true), std::pair(true, true)),
+    nameOf);
 
 } // namespace
 
@@ -97,14 +99,19 @@ TEST_P(TheColors, ofStatesCanBeSeenAsSymbolsDiscsAndBars) {
         expect(mark, theme.color(sidebar), 3, "symbol on sidebar");
         expect(mark, theme.accentTint(0.12, sidebar), 3, "symbol on a selection");
         expect(mark, theme.stateTint(state, 0.14), 3, "symbol on its disc");
-        for (const double opacity : {0.75, 0.8, 0.82})
-            expect(over(mark, opacity, theme.color(surface)), theme.color(surface), 3, "bar");
+        expect(over(mark, 0.82, theme.color(surface)), theme.color(surface), 3, "slot of a strip");
     }
+    const auto bar = [&](StateColor state, double opacity) {
+        expect(
+            over(theme.stateMark(state), opacity, theme.color(surface)), theme.color(surface), 3, "bar of a chart");
+    };
+    bar(StateColor::green, 0.75);
+    bar(StateColor::red, 0.8);
 }
 
 TEST_P(TheColors, canBeReadOnTheTintsOfTheAccent) {
-    const QColor grounds[] = {theme.accentTint(0.12), theme.accentTint(0.12, sidebar), theme.accentTint(0.10, window),
-        theme.accentTint(0.16, window)};
+    const QColor grounds[] = {theme.accentTint(0.12), theme.accentTint(0.12, sidebar),
+        theme.accentTint(0.10, window), theme.accentTint(0.16, window)};
     for (const QColor& ground : grounds)
         for (const ColorRole role : {text, secondary, accent})
             expect(theme.color(role), ground, 4.5, "role " + std::to_string(static_cast<int>(role)));

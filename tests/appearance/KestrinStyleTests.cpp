@@ -61,8 +61,8 @@ protected:
         QApplication::processEvents();
     }
     void click(QWidget* widget) {
-        QMouseEvent event(QEvent::MouseButtonPress, QPointF(2, 2), widget->mapToGlobal(QPointF(2, 2)), Qt::LeftButton,
-            Qt::LeftButton, {});
+        QMouseEvent event(QEvent::MouseButtonPress, QPointF(2, 2), widget->mapToGlobal(QPointF(2, 2)),
+            Qt::LeftButton, Qt::LeftButton, {});
         QApplication::sendEvent(widget, &event);
         QApplication::processEvents();
     }
@@ -196,7 +196,8 @@ TEST(APickersList, isWideEnoughForItsEntries) {
     picker.show();
     QStyleOptionComboBox option;
     option.initFrom(&picker);
-    const QRect list = picker.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxListBoxPopup, &picker);
+    const QRect list =
+        picker.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxListBoxPopup, &picker);
     EXPECT_GT(list.width(), picker.fontMetrics().horizontalAdvance(picker.itemText(1)));
 }
 

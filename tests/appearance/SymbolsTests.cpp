@@ -9,15 +9,15 @@ namespace kestrin {
 namespace {
 
 // What the windows, the settings and their dialogs show.
-const QStringList namesInUse{"arrow.clockwise", "arrow.down.circle.fill", "arrow.up.right.square", "bell", "bell.badge",
-    "bell.slash", "checkmark", "checkmark.circle", "checkmark.circle.fill", "checkmark.shield", "chevron.down",
-    "chevron.right", "circle.fill", "desktopcomputer", "desktopcomputer.trianglebadge.exclamationmark",
-    "dot.radiowaves.left.and.right", "exclamationmark.circle.fill", "exclamationmark.triangle",
-    "exclamationmark.triangle.fill", "gearshape", "globe", "globe.badge.exclamationmark", "info.circle",
-    "kestrin.menu.symbol", "lock", "lock.slash", "magnifyingglass", "menubar.rectangle", "minus", "minus.circle",
-    "network", "pause.circle", "plus", "power", "questionmark.circle", "questionmark.circle.fill",
-    "rectangle.compress.vertical", "waveform.path.ecg", "wrench.and.screwdriver.fill", "xmark.circle.fill",
-    "xmark.octagon.fill"};
+const QStringList namesInUse{"arrow.clockwise", "arrow.down.circle.fill", "arrow.up.right.square", "bell",
+    "bell.badge", "bell.slash", "checkmark", "checkmark.circle", "checkmark.circle.fill", "checkmark.shield",
+    "chevron.down", "chevron.right", "circle.fill", "desktopcomputer",
+    "desktopcomputer.trianglebadge.exclamationmark", "dot.radiowaves.left.and.right", "exclamationmark.circle.fill",
+    "exclamationmark.triangle", "exclamationmark.triangle.fill", "gearshape", "globe",
+    "globe.badge.exclamationmark", "info.circle", "kestrin.menu.symbol", "lock", "lock.slash", "magnifyingglass",
+    "menubar.rectangle", "minus", "minus.circle", "network", "pause.circle", "plus", "power", "questionmark.circle",
+    "questionmark.circle.fill", "rectangle.compress.vertical", "waveform.path.ecg", "wrench.and.screwdriver.fill",
+    "xmark.circle.fill", "xmark.octagon.fill"};
 
 QImage painted(const QString& name, Qt::LayoutDirection direction = Qt::LeftToRight) {
     QImage image(32, 32, QImage::Format_ARGB32_Premultiplied);
@@ -47,7 +47,9 @@ TEST(EverySymbolInUse, isDrawn) {
 }
 
 TEST(EverySymbol, isInUse) {
-    EXPECT_EQ(symbolNames(), namesInUse);
+    QStringList names = symbolNames();
+    names.sort();
+    EXPECT_EQ(names.join(' ').toStdString(), namesInUse.join(' ').toStdString());
 }
 
 TEST(ASymbol, hasTheColorAskedFor) {

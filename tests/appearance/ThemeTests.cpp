@@ -78,7 +78,8 @@ TEST(TheCurrentTheme, givesTheApplicationFontAndPalette) {
     setCurrentTheme(Theme::make({.dark = true, .applicationFont = fontOf(12)}));
     EXPECT_DOUBLE_EQ(QApplication::font().pointSizeF(), 12);
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), currentTheme().color(ColorRole::window));
-    EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::Text), currentTheme().color(ColorRole::disabled));
+    EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::Text),
+        currentTheme().color(ColorRole::disabled));
 }
 
 TEST(TheCurrentTheme, isFollowedByLabelsAndControls) {
@@ -93,6 +94,7 @@ TEST(TheCurrentTheme, isFollowedByLabelsAndControls) {
     const int height = button->sizeHint().height();
 
     setCurrentTheme(Theme::make({.dark = true, .applicationFont = fontOf(20)}));
+    QApplication::processEvents();
     EXPECT_EQ(button->sizeHint().height(), 2 * height);
     EXPECT_DOUBLE_EQ(label->font().pointSizeF(), 18.4);
     EXPECT_EQ(label->palette().color(QPalette::WindowText), currentTheme().color(ColorRole::secondary));

@@ -14,7 +14,8 @@ Theme themeFor(const DesktopAppearance& appearance) {
         .reducedMotion = appearance.reducedMotion,
         .applicationFont = QFont(QString::fromStdString(appearance.fontFamily))};
     settings.applicationFont.setPointSizeF(appearance.fontPoints);
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) settings.logicalDpi = screen->logicalDotsPerInchY();
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        settings.logicalDpi = screen->logicalDotsPerInchY();
     return Theme::make(settings);
 }
 
