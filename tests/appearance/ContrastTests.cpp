@@ -48,9 +48,8 @@ const std::vector<Meeting> meetings{
     {onDanger, {danger}, 4.5},
     {disabled, {surface}, 3},
     {control, {window, surface, raised}, 3},
-    {accentFill, {window, surface, raised}, 2.6}, // its white text carries the button; on the surface it has 3
-    {accentFill, {surface}, 3},
-    {danger, {surface}, 2.8},
+    {accentFill, {window, surface}, 3},
+    {danger, {window}, 3},
 };
 
 constexpr StateColor states[] = {
@@ -100,9 +99,14 @@ TEST_P(TheColors, ofStatesCanBeSeenAsSymbolsDiscsAndBars) {
         expect(mark, theme.color(sidebar), 3, "symbol on sidebar");
         expect(mark, theme.accentTint(0.12, sidebar), 3, "symbol on a selection");
         expect(mark, theme.stateTint(state, 0.14), 3, "symbol on its disc");
-        for (const double opacity : {0.75, 0.8, 0.82})
-            expect(over(mark, opacity, theme.color(surface)), theme.color(surface), 3, "bar");
+        expect(over(mark, 0.82, theme.color(surface)), theme.color(surface), 3, "slot of a strip");
     }
+    const auto bar = [&](StateColor state, double opacity) {
+        expect(
+            over(theme.stateMark(state), opacity, theme.color(surface)), theme.color(surface), 3, "bar of a chart");
+    };
+    bar(StateColor::green, 0.75);
+    bar(StateColor::red, 0.8);
 }
 
 TEST_P(TheColors, canBeReadOnTheTintsOfTheAccent) {

@@ -53,6 +53,7 @@ TEST(ASwitch, movesItsKnobToTheOtherEnd) {
     QCheckBox box;
     box.resize(box.sizeHint());
     box.show();
+    QApplication::processEvents();
     box.setChecked(true);
     // It starts where it was.
     EXPECT_TRUE(changes(box, 5000));
@@ -63,6 +64,7 @@ TEST(ASwitch, isAtTheOtherEndAtOnceWithReducedMotion) {
     QCheckBox box;
     box.resize(box.sizeHint());
     box.show();
+    QApplication::processEvents();
     box.setChecked(true);
     EXPECT_FALSE(changes(box, 300));
 }

@@ -94,6 +94,7 @@ TEST(TheCurrentTheme, isFollowedByLabelsAndControls) {
     const int height = button->sizeHint().height();
 
     setCurrentTheme(Theme::make({.dark = true, .applicationFont = fontOf(20)}));
+    QApplication::processEvents();
     EXPECT_EQ(button->sizeHint().height(), 2 * height);
     EXPECT_DOUBLE_EQ(label->font().pointSizeF(), 18.4);
     EXPECT_EQ(label->palette().color(QPalette::WindowText), currentTheme().color(ColorRole::secondary));

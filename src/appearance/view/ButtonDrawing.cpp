@@ -92,6 +92,8 @@ void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidg
     };
 
     if (symbol && kind != ButtonKind::link) placeSymbol();
+    // The words keep their own order: "5 minutes" in any layout.
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     painter.setFont(look.font);
     painter.setPen(look.content);
     const QRect place(x, option.rect.top(), shown, option.rect.height());
@@ -103,6 +105,7 @@ void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidg
             Qt::TextSingleLine | mnemonicFlag(option, widget),
         text);
     x += shown + look.gap;
+    painter.setLayoutDirection(option.direction);
     if (symbol && kind == ButtonKind::link) placeSymbol();
     painter.restore();
 }

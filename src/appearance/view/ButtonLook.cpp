@@ -91,6 +91,9 @@ ButtonLook ButtonLook::of(ButtonKind kind, QStyle::State state, const QWidget* w
     else if (enabled && state & QStyle::State_MouseOver)
         look.fill = fills.hovered;
 
+    // A fill alone is too faint there.
+    if (theme.isHighContrast() && (kind == ButtonKind::plain || kind == ButtonKind::picker))
+        look.outline = theme.color(enabled ? ColorRole::border : ColorRole::disabled);
     if (kind == ButtonKind::segment) {
         look.fill = checked ? theme.color(ColorRole::raised) : QColor();
         look.outline = checked ? theme.color(ColorRole::border) : QColor();

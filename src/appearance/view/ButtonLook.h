@@ -10,10 +10,10 @@ namespace kestrin {
 
 /// How a button of a kind looks in a state.
 struct ButtonLook {
-    QColor fill;    ///< invalid: none
-    QColor outline; ///< invalid: none
-    QColor content; ///< of text and symbol
-    QFont font;
+    QColor fill = {};    ///< invalid: none
+    QColor outline = {}; ///< invalid: none
+    QColor content = {}; ///< of text and symbol
+    QFont font = {};
     int radius = 0;
     int padding = 0; ///< at both ends
     int height = 0;  ///< at least

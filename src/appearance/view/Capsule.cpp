@@ -28,6 +28,7 @@ void Capsule::paintEvent(QPaintEvent*) {
     const Theme& theme = currentTheme();
     QPainter painter(this);
     paintTint(painter, rect(), height() / 2.0, theme.stateTint(state_, 0.12), theme.stateText(state_));
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     painter.setPen(theme.stateText(state_));
     painter.setFont(font());
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());

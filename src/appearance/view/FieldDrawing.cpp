@@ -26,7 +26,8 @@ void drawField(const QStyleOption& option, QPainter& painter) {
         return;
     }
     const bool hovered = option.state & QStyle::State_MouseOver;
-    const ColorRole role = !enabled ? ColorRole::border : hovered ? ColorRole::text : ColorRole::control;
+    const ColorRole faint = theme.isHighContrast() ? ColorRole::disabled : ColorRole::border;
+    const ColorRole role = !enabled ? faint : hovered ? ColorRole::text : ColorRole::control;
     outlineRounded(painter, option.rect, radius, theme.length(1), theme.color(role));
 }
 

@@ -15,8 +15,6 @@ namespace kestrin {
 
 namespace {
 
-constexpr auto ringProperty = "kestrinFocusRing";
-
 /// The part of the control that the ring goes around, in the control's coordinates.
 QRect ringed(const QWidget* control) {
     if (!qobject_cast<const QCheckBox*>(control)) return control->rect();
@@ -46,7 +44,7 @@ int FocusRing::reach(const QWidget* control) {
 
 bool FocusRing::suits(const QWidget* control) {
     if (control->isWindow()) return false;
-    if (const QVariant chosen = control->property(ringProperty); chosen.isValid()) return chosen.toBool();
+    if (const QVariant chosen = control->property(focusRingProperty); chosen.isValid()) return chosen.toBool();
     if (const auto* picker = qobject_cast<const QComboBox*>(control)) return !picker->isEditable();
     return qobject_cast<const QAbstractButton*>(control);
 }

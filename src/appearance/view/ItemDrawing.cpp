@@ -13,7 +13,8 @@ void drawItemPanel(const QStyleOption& option, QPainter& painter) {
     const Theme& theme = currentTheme();
     const double radius = theme.length(6);
     if (option.state & QStyle::State_Selected)
-        paintTint(painter, option.rect, radius, theme.accentTint(0.12), theme.color(ColorRole::accent));
+        paintTint(painter, option.rect, radius, theme.accentTint(0.12, ColorRole::raised),
+            theme.color(ColorRole::accent));
     else if (option.state & QStyle::State_Enabled && option.state & QStyle::State_MouseOver)
         fillRounded(painter, option.rect, radius, theme.color(ColorRole::fill));
 }

@@ -150,9 +150,14 @@ QSize KestrinStyle::sizeFromContents(
         return buttonSize(asButton(*tool), widget);
     if (const auto* picker = as<QStyleOptionComboBox>(option); picker && type == CT_ComboBox && !picker->editable)
         return pickerSize(size);
+    if (const auto* box = as<QStyleOptionButton>(option); box && type == CT_CheckBox && box->text.isEmpty())
+        return QSize(
+            pixelMetric(PM_IndicatorWidth, option, widget), pixelMetric(PM_IndicatorHeight, option, widget));
     if (const auto* frame = as<QStyleOptionFrame>(option); frame && type == CT_LineEdit && frame->lineWidth > 0)
         return fieldSize(size);
-    return QProxyStyle::sizeFromContents(type, option, size, widget);
+    const QSize ordinary = QProxyStyle::sizeFromContents(type, option, size, widget);
+    if (type == CT_ItemViewItem) return ordinary.expandedTo(QSize(0, currentTheme().length(30)));
+    return ordinary;
 }
 
 } // namespace kestrin

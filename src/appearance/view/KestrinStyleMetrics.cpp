@@ -21,7 +21,7 @@ void KestrinStyle::polish(QApplication* application) {
 }
 
 void KestrinStyle::unpolish(QApplication* application) {
-    delete findChild<KeyboardFocus*>(Qt::FindDirectChildrenOnly);
+    delete findChild<KeyboardFocus*>(QString(), Qt::FindDirectChildrenOnly);
     QProxyStyle::unpolish(application);
 }
 
@@ -71,6 +71,12 @@ int KestrinStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, co
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
         return 0;
+    case PM_DefaultFrameWidth:
+        if (widget && widget->inherits("QComboBoxPrivateContainer")) return theme.length(4);
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    case PM_MenuHMargin:
+    case PM_MenuVMargin:
+        return theme.length(4);
     case PM_ToolTipLabelFrameWidth:
         return theme.length(6);
     case PM_ButtonIconSize:
@@ -91,6 +97,8 @@ int KestrinStyle::styleHint(
     case SH_ComboBox_PopupFrameStyle:
         return QFrame::StyledPanel | QFrame::Plain;
     case SH_DialogButtonBox_ButtonsHaveIcons:
+        return false;
+    case SH_EtchDisabledText:
         return false;
     case SH_FocusFrame_AboveWidget:
         return true;

@@ -33,6 +33,9 @@ void drawPicker(const QStyleOptionComboBox& option, QPainter& painter, const QWi
     const Theme& theme = currentTheme();
     const ButtonLook look = ButtonLook::of(ButtonKind::picker, stateOf(option), widget);
     fillRounded(painter, option.rect, look.radius, look.fill);
+    if (look.outline.isValid())
+        outlineRounded(
+            painter, option.rect, look.radius, hairlineWidth(painter.device()->devicePixelRatio()), look.outline);
     const int size = theme.length(chevron);
     const QRect place(option.rect.right() + 1 - theme.length(chevronMargin) - size,
         option.rect.top() + (option.rect.height() - size) / 2, size, size);
@@ -45,6 +48,7 @@ void drawPickerText(const QStyleOptionComboBox& option, QPainter& painter, const
     const ButtonLook look = ButtonLook::of(ButtonKind::picker, stateOf(option), widget);
     const QRect place = pickerTextRect(option);
     painter.save();
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     painter.setFont(look.font);
     painter.setPen(look.content);
     painter.drawText(place,

@@ -38,6 +38,7 @@ void PickerItemDelegate::paint(
         row.right() - theme.length(8) - mark.right() - theme.length(7), row.height());
     const QString text = index.data().toString();
     painter->save();
+    painter->setLayoutDirection(Qt::LayoutDirectionAuto);
     painter->setFont(option.font);
     painter->setPen(color);
     painter->drawText(visual(place),

@@ -23,7 +23,7 @@ double SwitchKnob::position() const {
 }
 
 SwitchKnob* SwitchKnob::of(const QWidget* widget) {
-    return widget ? widget->findChild<SwitchKnob*>(Qt::FindDirectChildrenOnly) : nullptr;
+    return widget ? widget->findChild<SwitchKnob*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 void SwitchKnob::moveTo(bool on) {

@@ -46,13 +46,14 @@ QPixmap drawn(const QString& name, int devicePixels, const QColor& color, bool m
 
 QPixmap cached(
     const QString& name, int devicePixels, const QColor& color, qreal ratio, Qt::LayoutDirection direction) {
-    if (devicePixels <= 0 || name.isEmpty() || !QFile::exists(fileOf(name))) return {};
+    if (devicePixels <= 0) return {};
     const bool mirrored = direction == Qt::RightToLeft && pointsInReadingDirection(name);
     const QString key = QStringLiteral("kestrin-symbol %1 %2 %3 %4")
                             .arg(name, QString::number(devicePixels), color.name(QColor::HexArgb),
                                 mirrored ? QStringLiteral("mirrored") : QString());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
+        if (name.isEmpty() || !QFile::exists(fileOf(name))) return {};
         pixmap = drawn(name, devicePixels, color, mirrored);
         QPixmapCache::insert(key, pixmap);
     }

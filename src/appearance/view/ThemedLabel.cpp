@@ -3,6 +3,8 @@
 #include "appearance/view/Theme.h"
 
 #include <QEvent>
+#include <QPainter>
+#include <QStyle>
 
 namespace kestrin {
 
@@ -25,6 +27,17 @@ void ThemedLabel::setColor(ColorRole color) {
 void ThemedLabel::setColor(StateColor color) {
     color_ = color;
     followTheme();
+}
+
+void ThemedLabel::paintEvent(QPaintEvent* event) {
+    if (textInteractionFlags() & (Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard))
+        return QLabel::paintEvent(event);
+    // QLabel would align an English text to the left of a layout from right to left.
+    QPainter painter(this);
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    painter.drawText(contentsRect(),
+        static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment())) | Qt::TextSingleLine, text());
 }
 
 void ThemedLabel::changeEvent(QEvent* event) {

@@ -9,7 +9,8 @@
 
 namespace kestrin {
 
-/// One line of plain text in a style and a colour of the theme, which it follows.
+/// One line of plain text in a style and a colour of the theme, which it follows. Its alignment follows the
+/// layout's direction, and the order of its words their own.
 class ThemedLabel : public QLabel {
     Q_OBJECT
 
@@ -23,6 +24,7 @@ public:
     void setColor(StateColor color);
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -25,8 +25,9 @@ WrappedLabel::WrappedLabel(TextStyle style, ColorRole color, QWidget* parent) : 
 }
 
 void WrappedLabel::prepare(QTextLayout& layout) const {
+    // The order of the words is their own: a URL stays left to right in any layout.
     QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment() & Qt::AlignHorizontal_Mask));
-    option.setTextDirection(layoutDirection());
+    option.setTextDirection(Qt::LayoutDirectionAuto);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.setFont(font());
@@ -74,7 +75,9 @@ void WrappedLabel::paintEvent(QPaintEvent*) {
         alignment() & Qt::AlignVCenter ? std::max(0.0, std::floor((this->height() - height) / 2)) : 0;
     QList<QTextLayout::FormatRange> selected;
     if (anchor_ != cursor_) {
-        QTextLayout::FormatRange range{.start = std::min(anchor_, cursor_), .length = std::abs(anchor_ - cursor_)};
+        QTextLayout::FormatRange range;
+        range.start = std::min(anchor_, cursor_);
+        range.length = std::abs(anchor_ - cursor_);
         range.format.setBackground(currentTheme().color(ColorRole::accentFill));
         range.format.setForeground(currentTheme().color(ColorRole::onAccent));
         selected.append(range);

@@ -1,5 +1,7 @@
 #include "appearance/view/WrappedLabel.h"
 
+#include "appearance/view/FocusRing.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -13,7 +15,7 @@ namespace kestrin {
 void WrappedLabel::setSelectable(bool selectable) {
     selectable_ = selectable;
     setFocusPolicy(selectable ? Qt::StrongFocus : Qt::NoFocus);
-    setProperty("kestrinFocusRing", selectable);
+    setProperty(focusRingProperty, selectable);
     if (selectable)
         setCursor(Qt::IBeamCursor);
     else
