@@ -120,7 +120,7 @@ Task<> AppModel::monitor(
     while (goesOn(self, context)) {
         // Counted from the end of the cycle: no catching up, and the interval is read afresh.
         Clock& clock = self.get()->collaborators_.clock;
-        const Instant wake = saturatingAfter(clock.now(), self.get()->intervalSeconds_);
+        const Instant wake = saturatingAfter(clock.now(), self.get()->loaded_.intervalSeconds());
         const SleepResult slept = co_await sleepUntil(clock, wake);
         if (slept == SleepResult::Cancelled || !goesOn(self, context)) co_return;
         self.get()->reloadAfterFailure();
@@ -141,13 +141,8 @@ Task<> AppModel::waitForReload(Reference self) {
 // A file that was damaged for a moment must not end checks until somebody opens the dashboard. A load costs little
 // where the histories did not change, but it would throw away the results of a cycle in flight.
 void AppModel::reloadAfterFailure() {
-    const bool wasIncomplete = loadError_ || customProviderIssue_;
+    const bool wasIncomplete = loaded_.loadError || loaded_.customProviderIssue;
     if (wasIncomplete && !isLoading_ && !isChecking_) reload();
-}
-
-std::span<const SiteSnapshot> AppModel::visibleSnapshots() const {
-    if (!configuration_) return {};
-    return snapshots_;
 }
 
 const SiteSnapshot* AppModel::selectedSnapshot() const {
@@ -163,7 +158,7 @@ void AppModel::selectSite(const std::string& id) {
     if (isLoading_) {
         // Written now, it would look to the load like somebody else's change.
         choiceDuringLoad_ = ChoiceDuringLoad{.id = id};
-    } else if (configuration_->activeSiteID != id) {
+    } else if (loaded_.configuration->activeSiteID != id) {
         try {
             rememberChoice(id);
         } catch (const std::exception& error) {
@@ -182,17 +177,17 @@ void AppModel::rememberChoice(const std::string& id) {
         return collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
     };
     // Somebody has written the file since it was loaded, and the model's copy would undo that.
-    if (revisionOnDisk() != configurationRevision_) {
+    if (revisionOnDisk() != loaded_.configurationRevision) {
         choiceDuringLoad_ = ChoiceDuringLoad{.id = id, .isToBeStored = false};
         return reload();
     }
-    SiteConfiguration chosen = *configuration_;
+    SiteConfiguration chosen = *loaded_.configuration;
     chosen.activeSiteID = id;
     ++ownWrites_;
     collaborators_.writer.saveConfiguration(chosen, Backup::None);
     // Read afresh, so that the model's own write does not look like somebody else's.
-    configurationRevision_ = revisionOnDisk();
-    configuration_ = std::move(chosen);
+    loaded_.configurationRevision = revisionOnDisk();
+    loaded_.configuration = std::move(chosen);
 }
 
 void AppModel::storeChoiceOfLoad() {
@@ -213,21 +208,17 @@ void AppModel::setMonitorPage(MonitorPage page) {
 NotificationInputs AppModel::notificationInputs() const {
     NotificationInputs inputs;
     inputs.lease = notificationPolicyLease_;
-    if (!configuration_) return inputs;
-    TargetDescription description = describeTargets({.configuration = *configuration_,
-        .isSaved = !isFirstRun_,
-        .added = customProviderConfiguration_,
-        .addedAreReadable = !customProviderIssue_,
+    if (!loaded_.configuration) return inputs;
+    TargetDescription description = describeTargets({.configuration = *loaded_.configuration,
+        .isSaved = !loaded_.isFirstRun,
+        .added = loaded_.customProviderConfiguration,
+        .addedAreReadable = !loaded_.customProviderIssue,
         .directory = *collaborators_.services,
-        .sites = snapshots_,
-        .services = providerSnapshots_});
+        .sites = loaded_.snapshots,
+        .services = loaded_.providerSnapshots});
     inputs.contexts = std::move(description.contexts);
     inputs.policy = description.policy;
     return inputs;
-}
-
-std::optional<std::string> AppModel::activeSiteID() const {
-    return configuration_ ? configuration_->activeSiteID : std::nullopt;
 }
 
 void AppModel::announceChange() const {

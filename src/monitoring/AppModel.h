@@ -2,6 +2,7 @@
 
 #include "monitoring/AppModelLoadResult.h"
 #include "monitoring/CheckTrigger.h"
+#include "monitoring/LoadedState.h"
 #include "monitoring/ModelLoader.h"
 #include "monitoring/MonitorPage.h"
 #include "monitoring/MonitoringCheckRunner.h"
@@ -80,30 +81,36 @@ public:
         return listeners_.add(std::move(listener));
     }
 
-    [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return snapshots_; }
-    [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const;
+    [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return loaded_.snapshots; }
+    [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const { return loaded_.visibleSnapshots(); }
     [[nodiscard]] const SiteSnapshot* selectedSnapshot() const; ///< null when there are none
     [[nodiscard]] const std::string& selectedSiteID() const { return selectedSiteID_; }
-    [[nodiscard]] const std::vector<ProviderSnapshot>& providerSnapshots() const { return providerSnapshots_; }
+    [[nodiscard]] const std::vector<ProviderSnapshot>& providerSnapshots() const {
+        return loaded_.providerSnapshots;
+    }
     [[nodiscard]] const std::string& selectedProviderID() const { return selectedProviderID_; }
     void setSelectedProviderID(std::string id);
     [[nodiscard]] MonitorPage monitorPage() const { return monitorPage_; }
     void setMonitorPage(MonitorPage page);
-    [[nodiscard]] bool providerStatusEnabled() const { return providerStatusEnabled_; }
-    [[nodiscard]] const std::optional<std::string>& customProviderIssue() const { return customProviderIssue_; }
-    [[nodiscard]] bool isFirstRun() const { return isFirstRun_; }
-    [[nodiscard]] const std::optional<std::string>& loadError() const { return loadError_; }
-    [[nodiscard]] const std::optional<std::string>& configurationIssue() const { return configurationIssue_; }
+    [[nodiscard]] bool providerStatusEnabled() const { return loaded_.providerStatusEnabled(); }
+    [[nodiscard]] const std::optional<std::string>& customProviderIssue() const {
+        return loaded_.customProviderIssue;
+    }
+    [[nodiscard]] bool isFirstRun() const { return loaded_.isFirstRun; }
+    [[nodiscard]] const std::optional<std::string>& loadError() const { return loaded_.loadError; }
+    [[nodiscard]] const std::optional<std::string>& configurationIssue() const {
+        return loaded_.configurationIssue;
+    }
     [[nodiscard]] const std::optional<std::string>& operationError() const { return operationError_; }
     [[nodiscard]] std::optional<std::chrono::system_clock::time_point> lastLoadedAt() const {
-        return lastLoadedAt_;
+        return loaded_.loadedAt;
     }
     [[nodiscard]] bool isMonitoring() const { return isMonitoring_; }
     [[nodiscard]] bool isChecking() const { return isChecking_; }
     [[nodiscard]] bool isLoading() const { return isLoading_; }
-    [[nodiscard]] std::int64_t intervalSeconds() const { return intervalSeconds_; }
+    [[nodiscard]] std::int64_t intervalSeconds() const { return loaded_.intervalSeconds(); }
     [[nodiscard]] const NotificationManagementState& notificationState() const { return notificationState_; }
-    [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return configuration_; }
+    [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return loaded_.configuration; }
     /// What notifications are to be told now.
     [[nodiscard]] NotificationInputs notificationInputs() const;
     /// The load that runs, for whoever waits until it has ended; test `isLoading` again afterwards.
@@ -141,13 +148,6 @@ private:
         Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID);
     static Task<> runRevisionRefresh(Reference self);
     void apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID);
-    void applyLoaded(LoadedNotConfigured loaded);
-    void applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID);
-    void applyLoaded(LoadFailed failed);
-    void showNothing();
-    [[nodiscard]] KnownHistories knownHistories() const;
-    [[nodiscard]] ExpectedStateRevisions expectedRevisions() const;
-    [[nodiscard]] std::optional<std::string> activeSiteID() const;
     void announceChange() const;
 
     Collaborators collaborators_;
@@ -156,28 +156,16 @@ private:
     WeakReferenceSource<AppModel> self_;
     ChangeListeners listeners_;
 
-    std::vector<SiteSnapshot> snapshots_;
+    LoadedState loaded_;
     std::string selectedSiteID_;
-    std::vector<ProviderSnapshot> providerSnapshots_;
     std::string selectedProviderID_;
     MonitorPage monitorPage_ = MonitorPage::sites;
-    bool providerStatusEnabled_ = false;
-    std::optional<std::string> customProviderIssue_;
-    bool isFirstRun_ = false;
-    std::optional<std::string> loadError_;
-    std::optional<std::string> configurationIssue_;
     std::optional<std::string> operationError_;
-    std::optional<std::chrono::system_clock::time_point> lastLoadedAt_;
     bool isMonitoring_ = false;
     bool isChecking_ = false;
     bool isLoading_ = true;
-    std::int64_t intervalSeconds_ = 300;
     NotificationManagementState notificationState_;
 
-    std::optional<SiteConfiguration> configuration_; ///< absent until a load succeeds and after one that failed
-    CustomProviderConfiguration customProviderConfiguration_;
-    HistoryFileRevision configurationRevision_;
-    HistoryFileRevision customProviderRevision_;
     /// A website chosen while a load runs, which outlasts the load.
     struct ChoiceDuringLoad {
         std::string id;
@@ -186,8 +174,6 @@ private:
     std::optional<ChoiceDuringLoad> choiceDuringLoad_;
     /// Files that the model itself has written so far: between two looks at the disk, a difference may be its own.
     std::uint64_t ownWrites_ = 0;
-    /// Whose snapshots lack a line of another program, though their revisions are those of the files.
-    std::set<std::pair<HistoryKind, std::string>> incompleteHistories_;
 
     // Three counters that only grow. Long work remembers one and compares it when it comes back.
     std::uint64_t policyGeneration_ = 0;        ///< what was configured when the work began

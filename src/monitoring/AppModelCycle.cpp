@@ -98,9 +98,9 @@ Task<> AppModel::performCycle(
 std::optional<AppModel::CycleTicket> AppModel::beginCycle(const TaskContext& context) {
     if (context.isCancelled() || isChecking_) return std::nullopt;
     CycleTicket ticket;
-    if (configuration_) ticket.sites = monitoredSites(*configuration_);
-    if (providerStatusEnabled_)
-        for (const ProviderSnapshot& snapshot : providerSnapshots_)
+    if (loaded_.configuration) ticket.sites = monitoredSites(*loaded_.configuration);
+    if (loaded_.providerStatusEnabled())
+        for (const ProviderSnapshot& snapshot : loaded_.providerSnapshots)
             ticket.services.push_back(snapshot.provider);
     if (ticket.sites.empty() && ticket.services.empty()) return std::nullopt;
 
@@ -136,9 +136,9 @@ std::vector<NotificationObservation> AppModel::recordResults(
             if (isAutomatic(trigger)) observations.push_back(observationOf(record));
         }
         const std::set<std::string> monitored =
-            configuration_ && providerStatusEnabled_
-                ? monitoredServiceIDs(
-                      *collaborators_.services, configuration_->providerStatus, customProviderConfiguration_)
+            loaded_.configuration && loaded_.providerStatusEnabled()
+                ? monitoredServiceIDs(*collaborators_.services, loaded_.configuration->providerStatus,
+                      loaded_.customProviderConfiguration)
                 : std::set<std::string>();
         for (const ProviderCheckRecord& record : serviceRecords)
             if (monitored.contains(record.providerID) && recordService(record) && isAutomatic(trigger))
@@ -158,28 +158,17 @@ std::vector<NotificationObservation> AppModel::recordResults(
 bool AppModel::recordSite(const CheckRecord& record) {
     ++ownWrites_;
     const HistoryAppend append = collaborators_.writer.appendCheck(record);
-    const auto snapshot = std::ranges::find_if(
-        snapshots_, [&](const SiteSnapshot& candidate) { return candidate.site.id == record.siteID; });
-    if (snapshot == snapshots_.end()) return false;
-    if (snapshot->historyRevision.value_or(HistoryFileRevision()) != append.before)
-        incompleteHistories_.emplace(HistoryKind::Website, record.siteID);
-    snapshot->history.append(record);
-    snapshot->historyRevision = append.after;
+    if (!loaded_.take(record, append)) return false;
     announceChange();
     return true;
 }
 
 // Looked up first: the record of a service that is no longer wanted is not written.
 bool AppModel::recordService(const ProviderCheckRecord& record) {
-    const auto snapshot = std::ranges::find_if(providerSnapshots_,
-        [&](const ProviderSnapshot& candidate) { return candidate.provider.id == record.providerID; });
-    if (snapshot == providerSnapshots_.end()) return false;
+    if (!loaded_.showsService(record.providerID)) return false;
     ++ownWrites_;
     const HistoryAppend append = collaborators_.writer.appendProviderCheck(record);
-    if (snapshot->historyRevision.value_or(HistoryFileRevision()) != append.before)
-        incompleteHistories_.emplace(HistoryKind::Provider, record.providerID);
-    snapshot->historyRevision = append.after;
-    snapshot->history.append(record);
+    if (!loaded_.take(record, append)) return false;
     announceChange();
     return true;
 }
