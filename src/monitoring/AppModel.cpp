@@ -2,7 +2,6 @@
 
 #include "monitoring/MonitoredTargets.h"
 #include "monitoring/Selection.h"
-#include "tasks/Sleep.h"
 
 #include <algorithm>
 #include <exception>
@@ -24,7 +23,12 @@ AppModel::AppModel(Collaborators collaborators)
     : collaborators_(std::move(collaborators)),
       loader_(collaborators_.reader, collaborators_.customProviderStore, collaborators_.services),
       tasks_(collaborators_.tasks.inner()), self_(*this),
-      notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()) {
+      notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()), monitored_(seenByTheLoop()),
+      loop_({.model = *monitored_,
+          .checkRunner = collaborators_.checkRunner,
+          .tasks = collaborators_.tasks,
+          .mainExecutor = collaborators_.mainExecutor,
+          .clock = collaborators_.clock}) {
     reload();
 }
 
@@ -34,56 +38,23 @@ AppModel::~AppModel() {
 }
 
 void AppModel::startMonitoring() {
-    if (isMonitoring_) return;
-    isMonitoring_ = true;
+    if (loop_.isMonitoring()) return;
     operationError_.reset();
-    reloadAfterFailure();
-    startLoop(CheckTrigger::start, {}, {});
-    announceChange();
+    loop_.start();
 }
 
 void AppModel::stopMonitoring() {
-    cancelAndForget(monitoringTask_);
-    ++manualCheckGeneration_;
-    cancelAndForget(manualCheckTask_);
-    ++checkActivityGeneration_;
-    isMonitoring_ = false;
-    isChecking_ = false;
-    announceChange();
+    loop_.stop();
 }
 
 void AppModel::checkNow() {
-    if (isChecking_ || manualCheckTask_) return;
+    if (!loop_.acceptsCheckNow()) return;
     operationError_.reset();
-    reloadAfterFailure();
-    ++manualCheckGeneration_;
-    manualCheckTask_ =
-        tasks_.spawn(collaborators_.mainExecutor, runManualCheck(self_.reference(), manualCheckGeneration_));
-    announceChange();
-}
-
-Task<> AppModel::runManualCheck(Reference self, std::uint64_t generation) {
-    co_await waitForReload(self);
-    co_await runCycle(self, CheckTrigger::manual);
-    AppModel* const model = self.get();
-    if (!model || model->manualCheckGeneration_ != generation) co_return;
-    model->manualCheckTask_.reset();
-    model->announceChange();
+    loop_.checkNow();
 }
 
 void AppModel::restartMonitoring() {
-    const bool wasMonitoring = isMonitoring_;
-    const TaskHandle<> earlierLoop = std::exchange(monitoringTask_, {});
-    const TaskHandle<> earlierManualCheck = std::exchange(manualCheckTask_, {});
-    if (earlierLoop) earlierLoop.cancel();
-    if (earlierManualCheck) earlierManualCheck.cancel();
-    ++manualCheckGeneration_;
-    ++checkActivityGeneration_;
-    isChecking_ = false;
-    reload();
-    isMonitoring_ = wasMonitoring;
-    if (wasMonitoring) startLoop(CheckTrigger::restart, earlierLoop, earlierManualCheck);
-    announceChange();
+    loop_.restart();
 }
 
 void AppModel::shutdown() {
@@ -94,55 +65,6 @@ void AppModel::shutdown() {
     isLoading_ = false;
     cancelAndForget(revisionRefreshTask_);
     announceChange();
-}
-
-void AppModel::startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
-    monitoringTask_ = tasks_.spawn(collaborators_.mainExecutor,
-        monitor(self_.reference(), first, std::move(earlierLoop), std::move(earlierManualCheck)));
-}
-
-bool AppModel::goesOn(const Reference& self, const TaskContext& context) {
-    const AppModel* const model = self.get();
-    return model && !context.isCancelled() && model->isMonitoring_;
-}
-
-Task<> AppModel::monitor(
-    Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
-    const TaskContext context = co_await currentContext();
-    // The cancelled loop is seen out first: two of them never overlap.
-    if (earlierLoop) co_await earlierLoop.join();
-    if (earlierManualCheck) co_await earlierManualCheck.join();
-    if (!goesOn(self, context)) co_return;
-    co_await waitForReload(self);
-    if (!goesOn(self, context)) co_return;
-    co_await runCycle(self, first);
-
-    while (goesOn(self, context)) {
-        // Counted from the end of the cycle: no catching up, and the interval is read afresh.
-        Clock& clock = self.get()->collaborators_.clock;
-        const Instant wake = saturatingAfter(clock.now(), self.get()->loaded_.intervalSeconds());
-        const SleepResult slept = co_await sleepUntil(clock, wake);
-        if (slept == SleepResult::Cancelled || !goesOn(self, context)) co_return;
-        self.get()->reloadAfterFailure();
-        co_await runCycle(self, CheckTrigger::scheduled);
-    }
-}
-
-Task<> AppModel::waitForReload(Reference self) {
-    while (true) {
-        const AppModel* const model = self.get();
-        if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
-        const TaskHandle<> reload = model->reloadTask_;
-        // Another load may have begun meanwhile, so the question is asked again.
-        co_await reload.join();
-    }
-}
-
-// A file that was damaged for a moment must not end checks until somebody opens the dashboard. A load costs little
-// where the histories did not change, but it would throw away the results of a cycle in flight.
-void AppModel::reloadAfterFailure() {
-    const bool wasIncomplete = loaded_.loadError || loaded_.customProviderIssue;
-    if (wasIncomplete && !isLoading_ && !isChecking_) reload();
 }
 
 const SiteSnapshot* AppModel::selectedSnapshot() const {

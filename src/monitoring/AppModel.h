@@ -1,11 +1,9 @@
 #pragma once
 
-#include "monitoring/AppModelLoadResult.h"
-#include "monitoring/CheckTrigger.h"
 #include "monitoring/LoadedState.h"
 #include "monitoring/ModelLoader.h"
 #include "monitoring/MonitorPage.h"
-#include "monitoring/MonitoringCheckRunner.h"
+#include "monitoring/MonitoringLoop.h"
 #include "notifications/NotificationObserving.h"
 #include "state/StateWriting.h"
 #include "tasks/BlockingPool.h"
@@ -19,7 +17,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -27,10 +24,10 @@
 
 namespace kestrin {
 
-/// The heart of the program: owns the schedule, runs check cycles, writes their results, keeps the snapshots that
-/// the dashboard shows and the only mutable copy of the loaded configuration. Lives on the main thread, that is on
-/// `mainExecutor`; every member is touched there only. The constructor starts the first load. Its tasks hold it
-/// through weak references and end when it is gone.
+/// The heart of the program: keeps what was loaded, and what of it the dashboard shows, in line with the state
+/// directory, writes the results of checks, and tells notifications about them. The schedule of the checks is its
+/// `MonitoringLoop`. Lives on the main thread, that is on `mainExecutor`; every member is touched there only. The
+/// constructor starts the first load. Its tasks hold it through weak references and end when it is gone.
 class AppModel {
 public:
     using WallClock = std::function<std::chrono::system_clock::time_point()>;
@@ -105,8 +102,8 @@ public:
     [[nodiscard]] std::optional<std::chrono::system_clock::time_point> lastLoadedAt() const {
         return loaded_.loadedAt;
     }
-    [[nodiscard]] bool isMonitoring() const { return isMonitoring_; }
-    [[nodiscard]] bool isChecking() const { return isChecking_; }
+    [[nodiscard]] bool isMonitoring() const { return loop_.isMonitoring(); }
+    [[nodiscard]] bool isChecking() const { return loop_.isChecking(); }
     [[nodiscard]] bool isLoading() const { return isLoading_; }
     [[nodiscard]] std::int64_t intervalSeconds() const { return loaded_.intervalSeconds(); }
     [[nodiscard]] const NotificationManagementState& notificationState() const { return notificationState_; }
@@ -115,35 +112,25 @@ public:
     [[nodiscard]] NotificationInputs notificationInputs() const;
     /// The load that runs, for whoever waits until it has ended; test `isLoading` again afterwards.
     [[nodiscard]] const TaskHandle<>& reloadTask() const { return reloadTask_; }
+    /// Ends when no load runs, also for a later load that begins before the first has ended. Main thread; may
+    /// outlive the model.
+    [[nodiscard]] Task<> loaded() const { return waitForLoad(self_.reference()); }
 
 private:
     using Reference = WeakReference<AppModel>;
-    struct CycleTicket;
-    using SiteChecks = TaskHandle<std::vector<CheckRecord>>;
-    using ServiceChecks = TaskHandle<std::vector<ProviderCheckRecord>>;
+    class Monitored;
 
-    void startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
-    static bool goesOn(const Reference& self, const TaskContext& context);
-    static Task<> monitor(
-        Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
-    static Task<> runManualCheck(Reference self, std::uint64_t generation);
-    static Task<> waitForReload(Reference self);
+    [[nodiscard]] std::unique_ptr<MonitoredModel> seenByTheLoop();
     void reloadAfterFailure();
-
-    static Task<> runCycle(Reference self, CheckTrigger trigger);
-    static Task<> performCycle(Reference self, TaskContext context, CycleTicket ticket,
-        MonitoringCheckRunner runner, CheckTrigger trigger);
-    std::optional<CycleTicket> beginCycle(const TaskContext& context);
-    void endCycle(const CycleTicket& ticket);
     std::vector<NotificationObservation> recordResults(
-        const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger);
+        const std::vector<CheckRecord>& sites, const std::vector<ProviderCheckRecord>& services);
     bool recordSite(const CheckRecord& record);
     bool recordService(const ProviderCheckRecord& record);
+    static Task<> tellNotifications(Reference self, std::vector<NotificationObservation> observations);
     void rememberChoice(const std::string& id);
     void storeChoiceOfLoad();
-    static Task<> notify(
-        Reference self, TaskContext context, CycleTicket ticket, std::vector<NotificationObservation> observations);
 
+    static Task<> waitForLoad(Reference self);
     static Task<> runReload(
         Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID);
     static Task<> runRevisionRefresh(Reference self);
@@ -161,8 +148,6 @@ private:
     std::string selectedProviderID_;
     MonitorPage monitorPage_ = MonitorPage::sites;
     std::optional<std::string> operationError_;
-    bool isMonitoring_ = false;
-    bool isChecking_ = false;
     bool isLoading_ = true;
     NotificationManagementState notificationState_;
 
@@ -175,16 +160,15 @@ private:
     /// Files that the model itself has written so far: between two looks at the disk, a difference may be its own.
     std::uint64_t ownWrites_ = 0;
 
-    // Three counters that only grow. Long work remembers one and compares it when it comes back.
-    std::uint64_t policyGeneration_ = 0;        ///< what was configured when the work began
-    std::uint64_t manualCheckGeneration_ = 0;   ///< who may clear `manualCheckTask_`
-    std::uint64_t checkActivityGeneration_ = 0; ///< who may clear `isChecking_`
+    /// What was configured when a piece of work began: it grows with every load, and whoever comes back to find it
+    /// changed gives up.
+    std::uint64_t policyGeneration_ = 0;
     std::shared_ptr<NotificationPolicyLease> notificationPolicyLease_;
-
-    TaskHandle<> monitoringTask_;
-    TaskHandle<> manualCheckTask_;
     TaskHandle<> reloadTask_;
     TaskHandle<> revisionRefreshTask_;
+
+    std::unique_ptr<MonitoredModel> monitored_;
+    MonitoringLoop loop_; ///< the first to go
 };
 
 } // namespace kestrin

@@ -95,6 +95,16 @@ Task<> AppModel::runReload(
     model->storeChoiceOfLoad();
 }
 
+Task<> AppModel::waitForLoad(Reference self) {
+    while (true) {
+        const AppModel* const model = self.get();
+        if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
+        const TaskHandle<> reload = model->reloadTask_;
+        // Another load may have begun meanwhile, so the question is asked again.
+        co_await reload.join();
+    }
+}
+
 void AppModel::apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID) {
     loaded_ = LoadedState::from(std::move(result), collaborators_.wallClock());
     selectedSiteID_ =

@@ -101,6 +101,20 @@ bool LoadedState::showsService(const std::string& id) const {
         providerSnapshots, [&](const ProviderSnapshot& candidate) { return idOf(candidate) == id; });
 }
 
+CycleTargets LoadedState::targets() const {
+    CycleTargets targets;
+    if (configuration) targets.sites = monitoredSites(*configuration);
+    if (providerStatusEnabled())
+        std::ranges::transform(
+            providerSnapshots, std::back_inserter(targets.services), &ProviderSnapshot::provider);
+    return targets;
+}
+
+std::set<std::string> LoadedState::monitoredServices(const ServiceDirectory& directory) const {
+    if (!configuration) return {};
+    return monitoredServiceIDs(directory, configuration->providerStatus, customProviderConfiguration);
+}
+
 KnownHistories LoadedState::knownHistories() const {
     return {.sites = completeOf(snapshots, HistoryKind::Website, incompleteHistories),
         .services = completeOf(providerSnapshots, HistoryKind::Provider, incompleteHistories)};

@@ -3,7 +3,9 @@
 #include "model/CheckRecord.h"
 #include "model/ProviderCheckRecord.h"
 #include "monitoring/AppModelLoadResult.h"
+#include "monitoring/CycleTargets.h"
 #include "monitoring/KnownHistories.h"
+#include "services/ServiceDirectory.h"
 #include "state/HistoryAppend.h"
 #include "state/HistoryPath.h"
 
@@ -48,6 +50,10 @@ struct LoadedState {
     /// The snapshots, but none without a configuration.
     [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const;
     [[nodiscard]] bool showsService(const std::string& id) const;
+    /// The websites and services to check, none without a configuration.
+    [[nodiscard]] CycleTargets targets() const;
+    /// The ids of the services whose results count.
+    [[nodiscard]] std::set<std::string> monitoredServices(const ServiceDirectory& directory) const;
 
     /// The histories that a load may take over: all but the incomplete ones.
     [[nodiscard]] KnownHistories knownHistories() const;
