@@ -110,8 +110,6 @@ public:
     [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return loaded_.configuration; }
     /// What notifications are to be told now.
     [[nodiscard]] NotificationInputs notificationInputs() const;
-    /// The load that runs, for whoever waits until it has ended; test `isLoading` again afterwards.
-    [[nodiscard]] const TaskHandle<>& reloadTask() const { return reloadTask_; }
     /// Ends when no load runs, also for a later load that begins before the first has ended. Main thread; may
     /// outlive the model.
     [[nodiscard]] Task<> loaded() const { return waitForLoad(self_.reference()); }
