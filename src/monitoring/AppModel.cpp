@@ -117,6 +117,25 @@ void AppModel::storeChoiceOfLoad() {
     if (choice && choice->isToBeStored) selectSite(choice->id);
 }
 
+void AppModel::show(const NotificationRoute& route) {
+    if (route.schemaVersion != NotificationRoute::currentSchemaVersion) return;
+    const std::vector<NotificationTargetContext> targets = notificationInputs().contexts;
+    const bool isEligible = std::ranges::any_of(targets,
+        [&](const NotificationTargetContext& target) { return target.key == route.target && target.isEligible; });
+    if (!isEligible) return;
+    switch (route.target.kind) {
+    case NotificationTargetKind::website:
+        selectedSiteID_ = route.target.id;
+        monitorPage_ = MonitorPage::sites;
+        break;
+    case NotificationTargetKind::provider:
+        selectedProviderID_ = route.target.id;
+        monitorPage_ = MonitorPage::providers;
+        break;
+    }
+    announceChange();
+}
+
 void AppModel::setSelectedProviderID(std::string id) {
     selectedProviderID_ = std::move(id);
     announceChange();
