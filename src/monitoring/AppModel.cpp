@@ -2,7 +2,6 @@
 
 #include "monitoring/MonitoredTargets.h"
 #include "monitoring/Selection.h"
-#include "tasks/Sleep.h"
 
 #include <algorithm>
 #include <exception>
@@ -24,7 +23,12 @@ AppModel::AppModel(Collaborators collaborators)
     : collaborators_(std::move(collaborators)),
       loader_(collaborators_.reader, collaborators_.customProviderStore, collaborators_.services),
       tasks_(collaborators_.tasks.inner()), self_(*this),
-      notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()) {
+      notificationPolicyLease_(std::make_shared<NotificationPolicyLease>()), monitored_(seenByTheLoop()),
+      loop_({.model = *monitored_,
+          .checkRunner = collaborators_.checkRunner,
+          .tasks = collaborators_.tasks,
+          .mainExecutor = collaborators_.mainExecutor,
+          .clock = collaborators_.clock}) {
     reload();
 }
 
@@ -34,56 +38,23 @@ AppModel::~AppModel() {
 }
 
 void AppModel::startMonitoring() {
-    if (isMonitoring_) return;
-    isMonitoring_ = true;
+    if (loop_.isMonitoring()) return;
     operationError_.reset();
-    reloadAfterFailure();
-    startLoop(CheckTrigger::start, {}, {});
-    announceChange();
+    loop_.start();
 }
 
 void AppModel::stopMonitoring() {
-    cancelAndForget(monitoringTask_);
-    ++manualCheckGeneration_;
-    cancelAndForget(manualCheckTask_);
-    ++checkActivityGeneration_;
-    isMonitoring_ = false;
-    isChecking_ = false;
-    announceChange();
+    loop_.stop();
 }
 
 void AppModel::checkNow() {
-    if (isChecking_ || manualCheckTask_) return;
+    if (!loop_.acceptsCheckNow()) return;
     operationError_.reset();
-    reloadAfterFailure();
-    ++manualCheckGeneration_;
-    manualCheckTask_ =
-        tasks_.spawn(collaborators_.mainExecutor, runManualCheck(self_.reference(), manualCheckGeneration_));
-    announceChange();
-}
-
-Task<> AppModel::runManualCheck(Reference self, std::uint64_t generation) {
-    co_await waitForReload(self);
-    co_await runCycle(self, CheckTrigger::manual);
-    AppModel* const model = self.get();
-    if (!model || model->manualCheckGeneration_ != generation) co_return;
-    model->manualCheckTask_.reset();
-    model->announceChange();
+    loop_.checkNow();
 }
 
 void AppModel::restartMonitoring() {
-    const bool wasMonitoring = isMonitoring_;
-    const TaskHandle<> earlierLoop = std::exchange(monitoringTask_, {});
-    const TaskHandle<> earlierManualCheck = std::exchange(manualCheckTask_, {});
-    if (earlierLoop) earlierLoop.cancel();
-    if (earlierManualCheck) earlierManualCheck.cancel();
-    ++manualCheckGeneration_;
-    ++checkActivityGeneration_;
-    isChecking_ = false;
-    reload();
-    isMonitoring_ = wasMonitoring;
-    if (wasMonitoring) startLoop(CheckTrigger::restart, earlierLoop, earlierManualCheck);
-    announceChange();
+    loop_.restart();
 }
 
 void AppModel::shutdown() {
@@ -94,60 +65,6 @@ void AppModel::shutdown() {
     isLoading_ = false;
     cancelAndForget(revisionRefreshTask_);
     announceChange();
-}
-
-void AppModel::startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
-    monitoringTask_ = tasks_.spawn(collaborators_.mainExecutor,
-        monitor(self_.reference(), first, std::move(earlierLoop), std::move(earlierManualCheck)));
-}
-
-bool AppModel::goesOn(const Reference& self, const TaskContext& context) {
-    const AppModel* const model = self.get();
-    return model && !context.isCancelled() && model->isMonitoring_;
-}
-
-Task<> AppModel::monitor(
-    Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck) {
-    const TaskContext context = co_await currentContext();
-    // The cancelled loop is seen out first: two of them never overlap.
-    if (earlierLoop) co_await earlierLoop.join();
-    if (earlierManualCheck) co_await earlierManualCheck.join();
-    if (!goesOn(self, context)) co_return;
-    co_await waitForReload(self);
-    if (!goesOn(self, context)) co_return;
-    co_await runCycle(self, first);
-
-    while (goesOn(self, context)) {
-        // Counted from the end of the cycle: no catching up, and the interval is read afresh.
-        Clock& clock = self.get()->collaborators_.clock;
-        const Instant wake = saturatingAfter(clock.now(), self.get()->intervalSeconds_);
-        const SleepResult slept = co_await sleepUntil(clock, wake);
-        if (slept == SleepResult::Cancelled || !goesOn(self, context)) co_return;
-        self.get()->reloadAfterFailure();
-        co_await runCycle(self, CheckTrigger::scheduled);
-    }
-}
-
-Task<> AppModel::waitForReload(Reference self) {
-    while (true) {
-        const AppModel* const model = self.get();
-        if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
-        const TaskHandle<> reload = model->reloadTask_;
-        // Another load may have begun meanwhile, so the question is asked again.
-        co_await reload.join();
-    }
-}
-
-// A file that was damaged for a moment must not end checks until somebody opens the dashboard. A load costs little
-// where the histories did not change, but it would throw away the results of a cycle in flight.
-void AppModel::reloadAfterFailure() {
-    const bool wasIncomplete = loadError_ || customProviderIssue_;
-    if (wasIncomplete && !isLoading_ && !isChecking_) reload();
-}
-
-std::span<const SiteSnapshot> AppModel::visibleSnapshots() const {
-    if (!configuration_) return {};
-    return snapshots_;
 }
 
 const SiteSnapshot* AppModel::selectedSnapshot() const {
@@ -163,7 +80,7 @@ void AppModel::selectSite(const std::string& id) {
     if (isLoading_) {
         // Written now, it would look to the load like somebody else's change.
         choiceDuringLoad_ = ChoiceDuringLoad{.id = id};
-    } else if (configuration_->activeSiteID != id) {
+    } else if (loaded_.configuration->activeSiteID != id) {
         try {
             rememberChoice(id);
         } catch (const std::exception& error) {
@@ -182,22 +99,41 @@ void AppModel::rememberChoice(const std::string& id) {
         return collaborators_.reader.configurationRevision().value_or(HistoryFileRevision());
     };
     // Somebody has written the file since it was loaded, and the model's copy would undo that.
-    if (revisionOnDisk() != configurationRevision_) {
+    if (revisionOnDisk() != loaded_.configurationRevision) {
         choiceDuringLoad_ = ChoiceDuringLoad{.id = id, .isToBeStored = false};
         return reload();
     }
-    SiteConfiguration chosen = *configuration_;
+    SiteConfiguration chosen = *loaded_.configuration;
     chosen.activeSiteID = id;
     ++ownWrites_;
     collaborators_.writer.saveConfiguration(chosen, Backup::None);
     // Read afresh, so that the model's own write does not look like somebody else's.
-    configurationRevision_ = revisionOnDisk();
-    configuration_ = std::move(chosen);
+    loaded_.configurationRevision = revisionOnDisk();
+    loaded_.configuration = std::move(chosen);
 }
 
 void AppModel::storeChoiceOfLoad() {
     const std::optional<ChoiceDuringLoad> choice = std::exchange(choiceDuringLoad_, std::nullopt);
     if (choice && choice->isToBeStored) selectSite(choice->id);
+}
+
+void AppModel::show(const NotificationRoute& route) {
+    if (route.schemaVersion != NotificationRoute::currentSchemaVersion) return;
+    const std::vector<NotificationTargetContext> targets = notificationInputs().contexts;
+    const bool isEligible = std::ranges::any_of(targets,
+        [&](const NotificationTargetContext& target) { return target.key == route.target && target.isEligible; });
+    if (!isEligible) return;
+    switch (route.target.kind) {
+    case NotificationTargetKind::website:
+        selectedSiteID_ = route.target.id;
+        monitorPage_ = MonitorPage::sites;
+        break;
+    case NotificationTargetKind::provider:
+        selectedProviderID_ = route.target.id;
+        monitorPage_ = MonitorPage::providers;
+        break;
+    }
+    announceChange();
 }
 
 void AppModel::setSelectedProviderID(std::string id) {
@@ -213,21 +149,17 @@ void AppModel::setMonitorPage(MonitorPage page) {
 NotificationInputs AppModel::notificationInputs() const {
     NotificationInputs inputs;
     inputs.lease = notificationPolicyLease_;
-    if (!configuration_) return inputs;
-    TargetDescription description = describeTargets({.configuration = *configuration_,
-        .isSaved = !isFirstRun_,
-        .added = customProviderConfiguration_,
-        .addedAreReadable = !customProviderIssue_,
+    if (!loaded_.configuration) return inputs;
+    TargetDescription description = describeTargets({.configuration = *loaded_.configuration,
+        .isSaved = !loaded_.isFirstRun,
+        .added = loaded_.customProviderConfiguration,
+        .addedAreReadable = !loaded_.customProviderIssue,
         .directory = *collaborators_.services,
-        .sites = snapshots_,
-        .services = providerSnapshots_});
+        .sites = loaded_.snapshots,
+        .services = loaded_.providerSnapshots});
     inputs.contexts = std::move(description.contexts);
     inputs.policy = description.policy;
     return inputs;
-}
-
-std::optional<std::string> AppModel::activeSiteID() const {
-    return configuration_ ? configuration_->activeSiteID : std::nullopt;
 }
 
 void AppModel::announceChange() const {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "monitoring/AppModelLoadResult.h"
-#include "monitoring/CheckTrigger.h"
+#include "monitoring/LoadedState.h"
 #include "monitoring/ModelLoader.h"
 #include "monitoring/MonitorPage.h"
-#include "monitoring/MonitoringCheckRunner.h"
+#include "monitoring/MonitoringLoop.h"
 #include "notifications/NotificationObserving.h"
+#include "notifications/NotificationRoute.h"
 #include "state/StateWriting.h"
 #include "tasks/BlockingPool.h"
 #include "tasks/ChangeListeners.h"
@@ -18,7 +18,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -26,10 +25,10 @@
 
 namespace kestrin {
 
-/// The heart of the program: owns the schedule, runs check cycles, writes their results, keeps the snapshots that
-/// the dashboard shows and the only mutable copy of the loaded configuration. Lives on the main thread, that is on
-/// `mainExecutor`; every member is touched there only. The constructor starts the first load. Its tasks hold it
-/// through weak references and end when it is gone.
+/// The heart of the program: keeps what was loaded, and what of it the dashboard shows, in line with the state
+/// directory, writes the results of checks, and tells notifications about them. The schedule of the checks is its
+/// `MonitoringLoop`. Lives on the main thread, that is on `mainExecutor`; every member is touched there only. The
+/// constructor starts the first load. Its tasks hold it through weak references and end when it is gone.
 class AppModel {
 public:
     using WallClock = std::function<std::chrono::system_clock::time_point()>;
@@ -72,6 +71,10 @@ public:
     /// program ends first. Where somebody else has written the file since the last load, it is loaded instead, and
     /// the choice counts until the program ends.
     void selectSite(const std::string& id);
+    /// Shows the target of an alert on its page, and remembers that only until the program ends. Nothing unless the
+    /// route has the version of today and its target may raise alerts: unknown and unmonitored targets are ignored.
+    /// To be asked once a load has ended, since what is shown until then may be out of date.
+    void show(const NotificationRoute& route);
     /// The program ends: stops everything and starts nothing more.
     void shutdown();
 
@@ -80,74 +83,61 @@ public:
         return listeners_.add(std::move(listener));
     }
 
-    [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return snapshots_; }
-    [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const;
+    [[nodiscard]] const std::vector<SiteSnapshot>& snapshots() const { return loaded_.snapshots; }
+    [[nodiscard]] std::span<const SiteSnapshot> visibleSnapshots() const { return loaded_.visibleSnapshots(); }
     [[nodiscard]] const SiteSnapshot* selectedSnapshot() const; ///< null when there are none
     [[nodiscard]] const std::string& selectedSiteID() const { return selectedSiteID_; }
-    [[nodiscard]] const std::vector<ProviderSnapshot>& providerSnapshots() const { return providerSnapshots_; }
+    [[nodiscard]] const std::vector<ProviderSnapshot>& providerSnapshots() const {
+        return loaded_.providerSnapshots;
+    }
     [[nodiscard]] const std::string& selectedProviderID() const { return selectedProviderID_; }
     void setSelectedProviderID(std::string id);
     [[nodiscard]] MonitorPage monitorPage() const { return monitorPage_; }
     void setMonitorPage(MonitorPage page);
-    [[nodiscard]] bool providerStatusEnabled() const { return providerStatusEnabled_; }
-    [[nodiscard]] const std::optional<std::string>& customProviderIssue() const { return customProviderIssue_; }
-    [[nodiscard]] bool isFirstRun() const { return isFirstRun_; }
-    [[nodiscard]] const std::optional<std::string>& loadError() const { return loadError_; }
-    [[nodiscard]] const std::optional<std::string>& configurationIssue() const { return configurationIssue_; }
+    [[nodiscard]] bool providerStatusEnabled() const { return loaded_.providerStatusEnabled(); }
+    [[nodiscard]] const std::optional<std::string>& customProviderIssue() const {
+        return loaded_.customProviderIssue;
+    }
+    [[nodiscard]] bool isFirstRun() const { return loaded_.isFirstRun; }
+    [[nodiscard]] const std::optional<std::string>& loadError() const { return loaded_.loadError; }
+    [[nodiscard]] const std::optional<std::string>& configurationIssue() const {
+        return loaded_.configurationIssue;
+    }
     [[nodiscard]] const std::optional<std::string>& operationError() const { return operationError_; }
     [[nodiscard]] std::optional<std::chrono::system_clock::time_point> lastLoadedAt() const {
-        return lastLoadedAt_;
+        return loaded_.loadedAt;
     }
-    [[nodiscard]] bool isMonitoring() const { return isMonitoring_; }
-    [[nodiscard]] bool isChecking() const { return isChecking_; }
+    [[nodiscard]] bool isMonitoring() const { return loop_.isMonitoring(); }
+    [[nodiscard]] bool isChecking() const { return loop_.isChecking(); }
     [[nodiscard]] bool isLoading() const { return isLoading_; }
-    [[nodiscard]] std::int64_t intervalSeconds() const { return intervalSeconds_; }
+    [[nodiscard]] std::int64_t intervalSeconds() const { return loaded_.intervalSeconds(); }
     [[nodiscard]] const NotificationManagementState& notificationState() const { return notificationState_; }
-    [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return configuration_; }
+    [[nodiscard]] const std::optional<SiteConfiguration>& configuration() const { return loaded_.configuration; }
     /// What notifications are to be told now.
     [[nodiscard]] NotificationInputs notificationInputs() const;
-    /// The load that runs, for whoever waits until it has ended; test `isLoading` again afterwards.
-    [[nodiscard]] const TaskHandle<>& reloadTask() const { return reloadTask_; }
+    /// Ends when no load runs, also for a later load that begins before the first has ended. Main thread; may
+    /// outlive the model.
+    [[nodiscard]] Task<> loaded() const { return waitForLoad(self_.reference()); }
 
 private:
     using Reference = WeakReference<AppModel>;
-    struct CycleTicket;
-    using SiteChecks = TaskHandle<std::vector<CheckRecord>>;
-    using ServiceChecks = TaskHandle<std::vector<ProviderCheckRecord>>;
+    class Monitored;
 
-    void startLoop(CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
-    static bool goesOn(const Reference& self, const TaskContext& context);
-    static Task<> monitor(
-        Reference self, CheckTrigger first, TaskHandle<> earlierLoop, TaskHandle<> earlierManualCheck);
-    static Task<> runManualCheck(Reference self, std::uint64_t generation);
-    static Task<> waitForReload(Reference self);
+    [[nodiscard]] std::unique_ptr<MonitoredModel> seenByTheLoop();
     void reloadAfterFailure();
-
-    static Task<> runCycle(Reference self, CheckTrigger trigger);
-    static Task<> performCycle(Reference self, TaskContext context, CycleTicket ticket,
-        MonitoringCheckRunner runner, CheckTrigger trigger);
-    std::optional<CycleTicket> beginCycle(const TaskContext& context);
-    void endCycle(const CycleTicket& ticket);
     std::vector<NotificationObservation> recordResults(
-        const SiteChecks& siteChecks, const ServiceChecks& serviceChecks, CheckTrigger trigger);
+        const std::vector<CheckRecord>& sites, const std::vector<ProviderCheckRecord>& services);
     bool recordSite(const CheckRecord& record);
     bool recordService(const ProviderCheckRecord& record);
+    static Task<> tellNotifications(Reference self, std::vector<NotificationObservation> observations);
     void rememberChoice(const std::string& id);
     void storeChoiceOfLoad();
-    static Task<> notify(
-        Reference self, TaskContext context, CycleTicket ticket, std::vector<NotificationObservation> observations);
 
+    static Task<> waitForLoad(Reference self);
     static Task<> runReload(
         Reference self, std::uint64_t generation, std::optional<std::string> previousActiveSiteID);
     static Task<> runRevisionRefresh(Reference self);
     void apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID);
-    void applyLoaded(LoadedNotConfigured loaded);
-    void applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID);
-    void applyLoaded(LoadFailed failed);
-    void showNothing();
-    [[nodiscard]] KnownHistories knownHistories() const;
-    [[nodiscard]] ExpectedStateRevisions expectedRevisions() const;
-    [[nodiscard]] std::optional<std::string> activeSiteID() const;
     void announceChange() const;
 
     Collaborators collaborators_;
@@ -156,28 +146,14 @@ private:
     WeakReferenceSource<AppModel> self_;
     ChangeListeners listeners_;
 
-    std::vector<SiteSnapshot> snapshots_;
+    LoadedState loaded_;
     std::string selectedSiteID_;
-    std::vector<ProviderSnapshot> providerSnapshots_;
     std::string selectedProviderID_;
     MonitorPage monitorPage_ = MonitorPage::sites;
-    bool providerStatusEnabled_ = false;
-    std::optional<std::string> customProviderIssue_;
-    bool isFirstRun_ = false;
-    std::optional<std::string> loadError_;
-    std::optional<std::string> configurationIssue_;
     std::optional<std::string> operationError_;
-    std::optional<std::chrono::system_clock::time_point> lastLoadedAt_;
-    bool isMonitoring_ = false;
-    bool isChecking_ = false;
     bool isLoading_ = true;
-    std::int64_t intervalSeconds_ = 300;
     NotificationManagementState notificationState_;
 
-    std::optional<SiteConfiguration> configuration_; ///< absent until a load succeeds and after one that failed
-    CustomProviderConfiguration customProviderConfiguration_;
-    HistoryFileRevision configurationRevision_;
-    HistoryFileRevision customProviderRevision_;
     /// A website chosen while a load runs, which outlasts the load.
     struct ChoiceDuringLoad {
         std::string id;
@@ -186,19 +162,16 @@ private:
     std::optional<ChoiceDuringLoad> choiceDuringLoad_;
     /// Files that the model itself has written so far: between two looks at the disk, a difference may be its own.
     std::uint64_t ownWrites_ = 0;
-    /// Whose snapshots lack a line of another program, though their revisions are those of the files.
-    std::set<std::pair<HistoryKind, std::string>> incompleteHistories_;
 
-    // Three counters that only grow. Long work remembers one and compares it when it comes back.
-    std::uint64_t policyGeneration_ = 0;        ///< what was configured when the work began
-    std::uint64_t manualCheckGeneration_ = 0;   ///< who may clear `manualCheckTask_`
-    std::uint64_t checkActivityGeneration_ = 0; ///< who may clear `isChecking_`
+    /// What was configured when a piece of work began: it grows with every load, and whoever comes back to find it
+    /// changed gives up.
+    std::uint64_t policyGeneration_ = 0;
     std::shared_ptr<NotificationPolicyLease> notificationPolicyLease_;
-
-    TaskHandle<> monitoringTask_;
-    TaskHandle<> manualCheckTask_;
     TaskHandle<> reloadTask_;
     TaskHandle<> revisionRefreshTask_;
+
+    std::unique_ptr<MonitoredModel> monitored_;
+    MonitoringLoop loop_; ///< the first to go
 };
 
 } // namespace kestrin

@@ -14,9 +14,6 @@ namespace kestrin {
 
 namespace {
 
-constexpr std::int64_t defaultIntervalSeconds = 300;
-constexpr std::int64_t shortestIntervalSeconds = 60;
-
 /// The blocking work of a reload and of a comparison; each owns a copy of all it reads.
 struct Load {
     ModelLoader loader;
@@ -33,7 +30,7 @@ struct Comparison {
 } // namespace
 
 void AppModel::reload() {
-    std::optional<std::string> previousActiveSiteID = activeSiteID();
+    std::optional<std::string> previousActiveSiteID = loaded_.activeSiteID();
     // First the lease, then the generation, and no await between: nobody may see one without the other.
     notificationPolicyLease_->invalidate();
     notificationPolicyLease_ = std::make_shared<NotificationPolicyLease>();
@@ -54,7 +51,7 @@ Task<> AppModel::runReload(
     {
         AppModel* const model = self.get();
         if (!model) co_return;
-        load.emplace(model->loader_, model->knownHistories());
+        load.emplace(model->loader_, model->loaded_.knownHistories());
         pool = &model->collaborators_.loadPool;
     }
     AppModelLoadResult result;
@@ -98,73 +95,31 @@ Task<> AppModel::runReload(
     model->storeChoiceOfLoad();
 }
 
+Task<> AppModel::waitForLoad(Reference self) {
+    while (true) {
+        const AppModel* const model = self.get();
+        if (!model || !model->isLoading_ || !model->reloadTask_ || model->reloadTask_.done()) co_return;
+        const TaskHandle<> reload = model->reloadTask_;
+        // Another load may have begun meanwhile, so the question is asked again.
+        co_await reload.join();
+    }
+}
+
 void AppModel::apply(AppModelLoadResult result, const std::optional<std::string>& previousActiveSiteID) {
-    if (auto* configured = std::get_if<LoadedConfigured>(&result))
-        applyLoaded(std::move(*configured), previousActiveSiteID);
-    else if (auto* notConfigured = std::get_if<LoadedNotConfigured>(&result))
-        applyLoaded(*notConfigured);
-    else
-        applyLoaded(std::get<LoadFailed>(std::move(result)));
-    incompleteHistories_.clear();
-    lastLoadedAt_ = collaborators_.wallClock();
-    announceChange();
-}
-
-void AppModel::applyLoaded(LoadedNotConfigured loaded) {
-    showNothing();
-    configuration_ = SiteConfiguration();
-    configurationRevision_ = loaded.configurationRevision;
-    isFirstRun_ = true;
-    loadError_.reset();
-}
-
-// An empty dashboard, rather than data that nobody can vouch for; and without a configuration nothing is checked.
-void AppModel::applyLoaded(LoadFailed failed) {
-    showNothing();
-    configuration_.reset();
-    configurationRevision_ = {};
-    isFirstRun_ = false;
-    loadError_ = std::move(failed.message);
-}
-
-void AppModel::showNothing() {
-    customProviderConfiguration_ = {};
-    customProviderRevision_ = {};
-    customProviderIssue_.reset();
-    snapshots_.clear();
-    providerSnapshots_.clear();
-    selectedSiteID_.clear();
-    selectedProviderID_.clear();
-    providerStatusEnabled_ = false;
-    configurationIssue_.reset();
-    intervalSeconds_ = defaultIntervalSeconds;
-}
-
-void AppModel::applyLoaded(LoadedConfigured loaded, const std::optional<std::string>& previousActiveSiteID) {
-    configuration_ = std::move(loaded.configuration);
-    configurationRevision_ = loaded.configurationRevision;
-    customProviderConfiguration_ = std::move(loaded.customProviderConfiguration);
-    customProviderRevision_ = loaded.customProviderRevision;
-    customProviderIssue_ = std::move(loaded.customProviderIssue);
-    snapshots_ = std::move(loaded.snapshots);
-    configurationIssue_ = configurationIssueOf(*configuration_);
-    intervalSeconds_ = std::max(configuration_->intervalSeconds, shortestIntervalSeconds);
-    providerStatusEnabled_ = configuration_->providerStatus.enabled;
-    providerSnapshots_ = std::move(loaded.providerSnapshots);
-    selectedSiteID_ = reconciledSiteSelection(
-        selectedSiteID_, previousActiveSiteID, configuration_->activeSiteID, visibleSnapshots());
+    loaded_ = LoadedState::from(std::move(result), collaborators_.wallClock());
+    selectedSiteID_ =
+        reconciledSiteSelection(selectedSiteID_, previousActiveSiteID, loaded_.activeSiteID(), visibleSnapshots());
     if (choiceDuringLoad_ && isShown(choiceDuringLoad_->id, visibleSnapshots()))
         selectedSiteID_ = choiceDuringLoad_->id;
-    selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, providerSnapshots_);
-    isFirstRun_ = false;
-    loadError_.reset();
+    selectedProviderID_ = reconciledProviderSelection(selectedProviderID_, loaded_.providerSnapshots);
+    announceChange();
 }
 
 void AppModel::refreshIfStateChanged() {
     if (isLoading_ || revisionRefreshTask_) return;
     // After a failure nothing is known of what is on disk. Incomplete histories have known revisions but lack
     // lines.
-    if (loadError_ || !incompleteHistories_.empty()) return reload();
+    if (loaded_.loadError || !loaded_.incompleteHistories.empty()) return reload();
     revisionRefreshTask_ = tasks_.spawn(collaborators_.mainExecutor, runRevisionRefresh(self_.reference()));
 }
 
@@ -178,7 +133,7 @@ Task<> AppModel::runRevisionRefresh(Reference self) {
         {
             const AppModel* const model = self.get();
             if (!model || context.isCancelled()) co_return;
-            comparison.emplace(model->loader_, model->expectedRevisions());
+            comparison.emplace(model->loader_, model->loaded_.expectedRevisions());
             writesSeen = model->ownWrites_;
             pool = &model->collaborators_.loadPool;
         }
@@ -198,31 +153,7 @@ Task<> AppModel::runRevisionRefresh(Reference self) {
     if (!model || context.isCancelled()) co_return;
     model->revisionRefreshTask_.reset();
     // A foreign line just before one of the model's own leaves the revisions equal, but is known to be missing.
-    if (!isUnchanged || !model->incompleteHistories_.empty()) model->reload();
-}
-
-// All but those in whose files somebody else has written a line that nobody has read.
-KnownHistories AppModel::knownHistories() const {
-    KnownHistories known;
-    std::ranges::copy_if(snapshots_, std::back_inserter(known.sites), [&](const SiteSnapshot& snapshot) {
-        return !incompleteHistories_.contains({HistoryKind::Website, snapshot.site.id});
-    });
-    std::ranges::copy_if(
-        providerSnapshots_, std::back_inserter(known.services), [&](const ProviderSnapshot& snapshot) {
-            return !incompleteHistories_.contains({HistoryKind::Provider, snapshot.provider.id});
-        });
-    return known;
-}
-
-ExpectedStateRevisions AppModel::expectedRevisions() const {
-    ExpectedStateRevisions expected;
-    expected.configuration = configurationRevision_;
-    expected.customProviders = customProviderRevision_;
-    for (const SiteSnapshot& snapshot : snapshots_)
-        expected.websites[snapshot.site.id] = snapshot.historyRevision.value_or(HistoryFileRevision());
-    for (const ProviderSnapshot& snapshot : providerSnapshots_)
-        expected.providers[snapshot.provider.id] = snapshot.historyRevision.value_or(HistoryFileRevision());
-    return expected;
+    if (!isUnchanged || !model->loaded_.incompleteHistories.empty()) model->reload();
 }
 
 } // namespace kestrin

@@ -181,7 +181,6 @@ TEST_F(Shutdown, stopsEverythingAtOnce) {
     EXPECT_FALSE(model->isMonitoring());
     EXPECT_FALSE(model->isChecking());
     EXPECT_FALSE(model->isLoading());
-    EXPECT_FALSE(model->reloadTask());
     EXPECT_FALSE(lease->isValid());
     expectNothingMoreHappens();
     EXPECT_TRUE(writer.appended.empty());

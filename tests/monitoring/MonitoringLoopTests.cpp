@@ -9,19 +9,19 @@ namespace {
 using std::chrono::hours;
 using std::chrono::seconds;
 
-class MonitoringLoop : public MonitorTest {
+class TheMonitoringLoop : public MonitorTest {
 protected:
     [[nodiscard]] std::size_t cycles() const { return checks.siteCalls.size(); }
 };
 
-TEST_F(MonitoringLoop, isNotRunningAfterConstruction) {
+TEST_F(TheMonitoringLoop, isNotRunningAfterConstruction) {
     load(configurationOf({"a"}));
     advance(hours(24));
     EXPECT_FALSE(model->isMonitoring());
     EXPECT_EQ(cycles(), 0U);
 }
 
-TEST_F(MonitoringLoop, checksAtOnceOnStart) {
+TEST_F(TheMonitoringLoop, checksAtOnceOnStart) {
     load(configurationOf({"a", "b"}));
     model->startMonitoring();
     EXPECT_TRUE(model->isMonitoring());
@@ -32,7 +32,7 @@ TEST_F(MonitoringLoop, checksAtOnceOnStart) {
     EXPECT_TRUE(model->isChecking());
 }
 
-TEST_F(MonitoringLoop, waitsForTheFirstLoadBeforeTheFirstCheck) {
+TEST_F(TheMonitoringLoop, waitsForTheFirstLoadBeforeTheFirstCheck) {
     writeSites(configurationOf({"a"}));
     create();
     model->startMonitoring();
@@ -43,7 +43,7 @@ TEST_F(MonitoringLoop, waitsForTheFirstLoadBeforeTheFirstCheck) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, waitsForEveryLoadThatBeganMeanwhile) {
+TEST_F(TheMonitoringLoop, waitsForEveryLoadThatBeganMeanwhile) {
     writeSites(configurationOf({"a"}));
     create();
     model->startMonitoring();
@@ -57,7 +57,7 @@ TEST_F(MonitoringLoop, waitsForEveryLoadThatBeganMeanwhile) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, runsOnceHoweverOftenItIsStarted) {
+TEST_F(TheMonitoringLoop, runsOnceHoweverOftenItIsStarted) {
     load(configurationOf({"a"}));
     model->startMonitoring();
     model->startMonitoring();
@@ -68,7 +68,7 @@ TEST_F(MonitoringLoop, runsOnceHoweverOftenItIsStarted) {
     EXPECT_EQ(clock.timerCount(), 1U);
 }
 
-TEST_F(MonitoringLoop, countsTheIntervalFromTheEndOfACycle) {
+TEST_F(TheMonitoringLoop, countsTheIntervalFromTheEndOfACycle) {
     load(configurationOf({"a"}));
     model->startMonitoring();
     settle();
@@ -81,7 +81,7 @@ TEST_F(MonitoringLoop, countsTheIntervalFromTheEndOfACycle) {
     EXPECT_EQ(cycles(), 2U);
 }
 
-TEST_F(MonitoringLoop, countsTimeAsleepAndCatchesNothingUp) {
+TEST_F(TheMonitoringLoop, countsTimeAsleepAndCatchesNothingUp) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -95,7 +95,7 @@ TEST_F(MonitoringLoop, countsTimeAsleepAndCatchesNothingUp) {
     EXPECT_EQ(cycles(), 3U);
 }
 
-TEST_F(MonitoringLoop, usesAChangedIntervalFromTheNextSleepOn) {
+TEST_F(TheMonitoringLoop, usesAChangedIntervalFromTheNextSleepOn) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -114,7 +114,7 @@ TEST_F(MonitoringLoop, usesAChangedIntervalFromTheNextSleepOn) {
     EXPECT_EQ(cycles(), 3U);
 }
 
-TEST_F(MonitoringLoop, usesSixtySecondsForAnIntervalOfLess) {
+TEST_F(TheMonitoringLoop, usesSixtySecondsForAnIntervalOfLess) {
     answerChecksAtOnce();
     SiteConfiguration hasty = configurationOf({"a"});
     hasty.intervalSeconds = 30;
@@ -127,7 +127,7 @@ TEST_F(MonitoringLoop, usesSixtySecondsForAnIntervalOfLess) {
     EXPECT_EQ(cycles(), 2U);
 }
 
-TEST_F(MonitoringLoop, neverMakesABusyLoopOfAHugeInterval) {
+TEST_F(TheMonitoringLoop, neverMakesABusyLoopOfAHugeInterval) {
     answerChecksAtOnce();
     SiteConfiguration patient = configurationOf({"a"});
     patient.intervalSeconds = std::numeric_limits<std::int64_t>::max();
@@ -139,7 +139,7 @@ TEST_F(MonitoringLoop, neverMakesABusyLoopOfAHugeInterval) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, neverMakesABusyLoopOfANegativeInterval) {
+TEST_F(TheMonitoringLoop, neverMakesABusyLoopOfANegativeInterval) {
     answerChecksAtOnce();
     SiteConfiguration backwards = configurationOf({"a"});
     backwards.intervalSeconds = std::numeric_limits<std::int64_t>::min();
@@ -149,7 +149,7 @@ TEST_F(MonitoringLoop, neverMakesABusyLoopOfANegativeInterval) {
     EXPECT_EQ(clock.nextDeadline(), clock.now() + seconds(60));
 }
 
-TEST_F(MonitoringLoop, loadsAgainBeforeACycleAfterALoadThatFailed) {
+TEST_F(TheMonitoringLoop, loadsAgainBeforeACycleAfterALoadThatFailed) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -170,7 +170,7 @@ TEST_F(MonitoringLoop, loadsAgainBeforeACycleAfterALoadThatFailed) {
     EXPECT_TRUE(model->isMonitoring());
 }
 
-TEST_F(MonitoringLoop, loadsAgainBeforeACycleWhileTheAddedServicesCouldNotBeRead) {
+TEST_F(TheMonitoringLoop, loadsAgainBeforeACycleWhileTheAddedServicesCouldNotBeRead) {
     answerChecksAtOnce();
     customProviders->loadFailure = "Too many open files";
     load(configurationOf({"a"}));
@@ -183,7 +183,7 @@ TEST_F(MonitoringLoop, loadsAgainBeforeACycleWhileTheAddedServicesCouldNotBeRead
     EXPECT_EQ(writer.appended.size(), 2U);
 }
 
-TEST_F(MonitoringLoop, loadsNothingWhileACycleIsInFlightThoughTheAddedServicesCouldNotBeRead) {
+TEST_F(TheMonitoringLoop, loadsNothingWhileACycleIsInFlightThoughTheAddedServicesCouldNotBeRead) {
     customProviders->loadFailure = "Too many open files";
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -198,7 +198,7 @@ TEST_F(MonitoringLoop, loadsNothingWhileACycleIsInFlightThoughTheAddedServicesCo
     EXPECT_EQ(writer.appended.size(), 2U);
 }
 
-TEST_F(MonitoringLoop, startedAfterALoadThatFailedLoadsAgainFirst) {
+TEST_F(TheMonitoringLoop, startedAfterALoadThatFailedLoadsAgainFirst) {
     answerChecksAtOnce();
     writeSitesText("nonsense");
     load();
@@ -209,7 +209,7 @@ TEST_F(MonitoringLoop, startedAfterALoadThatFailedLoadsAgainFirst) {
     EXPECT_EQ(writer.appended.size(), 1U);
 }
 
-TEST_F(MonitoringLoop, startedWithNothingToCheckGoesOnWakingAndNeverShowsAsChecking) {
+TEST_F(TheMonitoringLoop, startedWithNothingToCheckGoesOnWakingAndNeverShowsAsChecking) {
     load();
     bool everChecking = false;
     const auto listening = model->onChange([&] { everChecking = everChecking || model->isChecking(); });
@@ -225,7 +225,7 @@ TEST_F(MonitoringLoop, startedWithNothingToCheckGoesOnWakingAndNeverShowsAsCheck
     EXPECT_TRUE(model->isMonitoring());
 }
 
-TEST_F(MonitoringLoop, checksWhatALoadBroughtAtItsNextWake) {
+TEST_F(TheMonitoringLoop, checksWhatALoadBroughtAtItsNextWake) {
     answerChecksAtOnce();
     load();
     model->startMonitoring();
@@ -238,7 +238,7 @@ TEST_F(MonitoringLoop, checksWhatALoadBroughtAtItsNextWake) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, goesOnAfterALoadThatFailedAndFindsNothing) {
+TEST_F(TheMonitoringLoop, goesOnAfterALoadThatFailedAndFindsNothing) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -257,7 +257,7 @@ TEST_F(MonitoringLoop, goesOnAfterALoadThatFailedAndFindsNothing) {
     EXPECT_EQ(cycles(), 2U);
 }
 
-TEST_F(MonitoringLoop, endsItsSleepAtOnceWhenStopped) {
+TEST_F(TheMonitoringLoop, endsItsSleepAtOnceWhenStopped) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -271,7 +271,7 @@ TEST_F(MonitoringLoop, endsItsSleepAtOnceWhenStopped) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, stoppedBeforeItsFirstCheckNeverChecks) {
+TEST_F(TheMonitoringLoop, stoppedBeforeItsFirstCheckNeverChecks) {
     writeSites(configurationOf({"a"}));
     create();
     model->startMonitoring();
@@ -281,7 +281,7 @@ TEST_F(MonitoringLoop, stoppedBeforeItsFirstCheckNeverChecks) {
     EXPECT_EQ(cycles(), 0U);
 }
 
-TEST_F(MonitoringLoop, startedAgainWhileTheStoppedOneStillSleepsChecksAtOnce) {
+TEST_F(TheMonitoringLoop, startedAgainWhileTheStoppedOneStillSleepsChecksAtOnce) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -293,7 +293,7 @@ TEST_F(MonitoringLoop, startedAgainWhileTheStoppedOneStillSleepsChecksAtOnce) {
     EXPECT_EQ(clock.timerCount(), 1U);
 }
 
-TEST_F(MonitoringLoop, stoppingWhatDoesNotRunChangesNothingButIsHarmless) {
+TEST_F(TheMonitoringLoop, stoppingWhatDoesNotRunChangesNothingButIsHarmless) {
     load(configurationOf({"a"}));
     model->stopMonitoring();
     settle();
@@ -302,7 +302,7 @@ TEST_F(MonitoringLoop, stoppingWhatDoesNotRunChangesNothingButIsHarmless) {
     EXPECT_FALSE(model->isLoading());
 }
 
-TEST_F(MonitoringLoop, isOffAgainAfterARelaunch) {
+TEST_F(TheMonitoringLoop, isOffAgainAfterARelaunch) {
     answerChecksAtOnce();
     load(configurationOf({"a"}));
     model->startMonitoring();
@@ -314,7 +314,7 @@ TEST_F(MonitoringLoop, isOffAgainAfterARelaunch) {
     EXPECT_EQ(cycles(), 1U);
 }
 
-TEST_F(MonitoringLoop, goesOnAfterARunOfCyclesWhoseTargetsAreDown) {
+TEST_F(TheMonitoringLoop, goesOnAfterARunOfCyclesWhoseTargetsAreDown) {
     checks.siteResults = [](const std::vector<SiteDefinition>&) { return std::vector{checkOf("a", false)}; };
     load(configurationOf({"a"}));
     model->startMonitoring();

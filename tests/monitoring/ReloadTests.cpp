@@ -46,7 +46,6 @@ protected:
 TEST_F(Reload, runsFromConstructionOn) {
     create();
     EXPECT_TRUE(model->isLoading());
-    EXPECT_TRUE(model->reloadTask());
     EXPECT_FALSE(model->isMonitoring());
     EXPECT_FALSE(model->isChecking());
     EXPECT_EQ(model->intervalSeconds(), 300);
@@ -56,7 +55,6 @@ TEST_F(Reload, runsFromConstructionOn) {
     EXPECT_EQ(model->notificationState(), NotificationManagementState());
     settle();
     EXPECT_FALSE(model->isLoading());
-    EXPECT_FALSE(model->reloadTask());
 }
 
 TEST_F(Reload, withNoSitesAndNoFileIsAFirstRun) {

@@ -1,12 +1,10 @@
 #include "monitoring/application/MonitoringGraph.h"
 
-#include "http/CurlTransport.h"
-#include "http/SystemNameResolver.h"
+#include "http/ProxySettings.h"
 #include "monitoring/LiveCheckRunner.h"
-#include "probing/WebsiteChecker.h"
+#include "probing/BackgroundResolver.h"
 #include "services/CustomProviderStore.h"
 #include "services/KnownServices.h"
-#include "services/ProviderChecker.h"
 
 #include <chrono>
 #include <utility>
@@ -26,38 +24,21 @@ constexpr std::size_t standingThreads = 1;
 constexpr std::chrono::milliseconds idleTime = std::chrono::seconds(1);
 constexpr std::chrono::milliseconds shutdownPatience = std::chrono::seconds(2);
 
-std::chrono::sys_seconds wallClockSeconds() {
-    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-}
-
 } // namespace
-
-struct MonitoringGraph::Checkers {
-    Checkers(const ProxySettings& proxies, Executor& owner, Clock& clock, BlockingPool& pool,
-        const std::stop_token& shutdown)
-        : transport(TrustStore::systemBundles(), proxies),
-          resolver(pool, std::make_shared<SystemNameResolver>(), clock, shutdown),
-          client(FreshHTTPServices{owner, clock, pool, transport, resolver}),
-          websites(client, resolver, clock, wallClockSeconds), services(clock, wallClockSeconds),
-          network(liveProviderCheckDependencies(client, resolver)) {}
-
-    CurlTransport transport;
-    BackgroundResolver resolver;
-    FreshHTTPClient client;
-    WebsiteChecker websites;
-    ProviderChecker services;
-    ProviderCheckDependencies network;
-};
 
 MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executor& mainExecutor, Clock& clock)
     : mainExecutor_(mainExecutor), pool_(maximumThreads, idleTime, standingThreads), checkExecutor_(pool_),
-      clock_(clock), proxySettings_(ProxySettings::fromEnvironment()), writer_(stateRoot) {
+      checkers_({.owner = checkExecutor_,
+          .clock = clock,
+          .pool = pool_,
+          .proxies = ProxySettings::fromEnvironment(),
+          .shutdown = shutdown_.get_token()}),
+      writer_(stateRoot) {
     SiteCheck checkSite = [this](SiteDefinition site, std::chrono::milliseconds timeout) {
-        return checkers().websites.checkWebsite(std::move(site), timeout);
+        return checkers_.checkWebsite(std::move(site), timeout);
     };
     ProviderCheck checkService = [this](ProviderDefinition service, std::chrono::milliseconds timeout) {
-        const Checkers& live = checkers();
-        return live.services.checkProvider(std::move(service), live.network, timeout);
+        return checkers_.checkProvider(std::move(service), timeout);
     };
     model_ = std::make_unique<AppModel>(AppModel::Collaborators{
         .reader = StateReader(stateRoot),
@@ -76,15 +57,6 @@ MonitoringGraph::MonitoringGraph(const std::filesystem::path& stateRoot, Executo
 
 MonitoringGraph::~MonitoringGraph() = default;
 
-// A transport brings libcurl and OpenSSL to life, which a program that only rests in the panel need not pay for.
-const MonitoringGraph::Checkers& MonitoringGraph::checkers() {
-    std::call_once(checkersAreMade_, [this] {
-        checkers_ =
-            std::make_unique<Checkers>(proxySettings_, checkExecutor_, clock_, pool_, shutdown_.get_token());
-    });
-    return *checkers_;
-}
-
 bool MonitoringGraph::shutDown(const RunMainUntil& runMainUntil) {
     model_->shutdown();
     shutdown_.request_stop();
@@ -92,7 +64,7 @@ bool MonitoringGraph::shutDown(const RunMainUntil& runMainUntil) {
     const TaskHandle<> end = spawn(mainExecutor_, tasks_.join());
     const bool tasksEnded = runMainUntil([&end] { return end.done(); });
     // A look-up that hangs ends with the process: nobody waits for it.
-    const bool lookupHangs = checkers_ && checkers_->resolver.abandonedCount() > 0;
+    const bool lookupHangs = checkers_.abandonedLookups() > 0;
     const bool threadsEnded = pool_.shutDown(lookupHangs ? std::chrono::milliseconds(0) : shutdownPatience);
     return threadsEnded && tasksEnded;
 }

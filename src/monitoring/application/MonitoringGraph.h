@@ -1,7 +1,7 @@
 #pragma once
 
-#include "http/ProxySettings.h"
 #include "monitoring/AppModel.h"
+#include "monitoring/LiveCheckers.h"
 #include "notifications/InertNotifications.h"
 #include "state/StateWriter.h"
 #include "tasks/SerialExecutor.h"
@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <stop_token>
 
 namespace kestrin {
@@ -25,6 +24,8 @@ public:
     ~MonitoringGraph();
 
     [[nodiscard]] AppModel& model() { return *model_; }
+    /// For checks that the user asks for beside those of the model.
+    [[nodiscard]] LiveCheckers& checkers() { return checkers_; }
 
     /// Lets the main thread's work go on until a condition holds, or gives up and returns false.
     using RunMainUntil = std::function<bool(const std::function<bool()>& isOver)>;
@@ -34,19 +35,11 @@ public:
     [[nodiscard]] bool shutDown(const RunMainUntil& runMainUntil);
 
 private:
-    /// What checks, over one transport.
-    struct Checkers;
-    /// Made by the first check, on whatever thread that runs.
-    [[nodiscard]] const Checkers& checkers();
-
     Executor& mainExecutor_;
     ThreadPool pool_;
     SerialExecutor checkExecutor_;
     std::stop_source shutdown_;
-    Clock& clock_;
-    ProxySettings proxySettings_; ///< read at launch, before other threads look at the environment
-    std::once_flag checkersAreMade_;
-    std::unique_ptr<Checkers> checkers_;
+    LiveCheckers checkers_;
     StateWriter writer_;
     InertNotifications notifications_;
     TaskScope tasks_; ///< the outermost one: the program has ended when it is empty

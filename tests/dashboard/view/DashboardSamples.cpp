@@ -85,9 +85,8 @@ DashboardContent websiteContent() {
         .color = StateColor::green,
         .word = "Recovered",
         .period = "Nov 21, 2025, 9:32 AM – 9:42 AM"}};
-    page.noIncidents = {.symbol = "checkmark.circle",
-        .color = StateColor::secondary,
-        .text = "No failed periods recorded"};
+    page.noIncidents = {
+        .symbol = "checkmark.circle", .color = StateColor::secondary, .text = "No failed periods recorded"};
     content.body = page;
     return content;
 }
