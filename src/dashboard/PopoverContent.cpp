@@ -37,10 +37,10 @@ PopoverContent popoverContent(const AppModel& model, const LocaleFormats& format
     if (model.customProviderIssue()) content.notices.push_back(*model.customProviderIssue());
     if (!content.panel)
         for (const SiteSnapshot& snapshot : model.visibleSnapshots())
-            content.websites.push_back(websiteRow(snapshot, formats));
+            content.websites.push_back(websiteStatusRow(snapshot, formats));
     if (!content.panel && showsServices(model))
         for (const ProviderSnapshot& snapshot : model.providerSnapshots())
-            content.services.push_back(serviceRow(snapshot, formats));
+            content.services.push_back(serviceStatusRow(snapshot, formats));
 
     const bool canCheck = hasSomethingToCheck(model);
     content.startStopStops = model.isMonitoring();

@@ -36,7 +36,7 @@ std::string momentText(
 
 } // namespace
 
-StatusRow websiteRow(const SiteSnapshot& snapshot, const LocaleFormats& formats) {
+StatusRow websiteStatusRow(const SiteSnapshot& snapshot, const LocaleFormats& formats) {
     StatusRow row;
     row.name = snapshot.site.name;
     row.stateText = stateText(snapshot);
@@ -48,7 +48,7 @@ StatusRow websiteRow(const SiteSnapshot& snapshot, const LocaleFormats& formats)
     return row;
 }
 
-StatusRow serviceRow(const ProviderSnapshot& snapshot, const LocaleFormats& formats) {
+StatusRow serviceStatusRow(const ProviderSnapshot& snapshot, const LocaleFormats& formats) {
     StatusRow row;
     row.name = snapshot.provider.name;
     row.stateText = title(ProviderState::unknown);

@@ -17,7 +17,7 @@ struct StatusRow {
     bool operator==(const StatusRow&) const = default;
 };
 
-[[nodiscard]] StatusRow websiteRow(const SiteSnapshot& snapshot, const LocaleFormats& formats);
-[[nodiscard]] StatusRow serviceRow(const ProviderSnapshot& snapshot, const LocaleFormats& formats);
+[[nodiscard]] StatusRow websiteStatusRow(const SiteSnapshot& snapshot, const LocaleFormats& formats);
+[[nodiscard]] StatusRow serviceStatusRow(const ProviderSnapshot& snapshot, const LocaleFormats& formats);
 
 } // namespace kestrin

@@ -121,7 +121,7 @@ TEST_F(PopoverContentTest, aFailedAppendIsSaidUntilACycleWorksAgain) {
 }
 
 TEST_F(PopoverContentTest, aWebsiteWithoutChecksHasNoData) {
-    const StatusRow row = websiteRow(snapshotWith({}), formats);
+    const StatusRow row = websiteStatusRow(snapshotWith({}), formats);
     EXPECT_EQ(row.stateText, "NO DATA");
     EXPECT_EQ(row.lastResult, "No checks");
     EXPECT_EQ(row.lastChecked, "");
@@ -132,7 +132,7 @@ TEST_F(PopoverContentTest, aWebsiteThatAnsweredShowsItsStatusTimeAndDuration) {
     record.up = true;
     record.httpStatus = 204;
     record.elapsedMS = 87;
-    const StatusRow row = websiteRow(snapshotWith({record}), formats);
+    const StatusRow row = websiteStatusRow(snapshotWith({record}), formats);
     EXPECT_EQ(row.stateText, "UP");
     EXPECT_EQ(row.lastResult, "HTTP 204");
     EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
@@ -141,24 +141,24 @@ TEST_F(PopoverContentTest, aWebsiteThatAnsweredShowsItsStatusTimeAndDuration) {
 TEST_F(PopoverContentTest, aWebsiteThatDidNotAnswerShowsWhy) {
     CheckRecord record = checkAt("2026-01-31T09:05:00Z");
     record.error = "The connection was refused.";
-    const StatusRow row = websiteRow(snapshotWith({record}), formats);
+    const StatusRow row = websiteStatusRow(snapshotWith({record}), formats);
     EXPECT_EQ(row.stateText, "DOWN");
     EXPECT_EQ(row.lastResult, "The connection was refused.");
     EXPECT_EQ(row.lastChecked, "09:05");
 }
 
 TEST_F(PopoverContentTest, aRecordWithNeitherStatusNorErrorHadNoResponse) {
-    EXPECT_EQ(websiteRow(snapshotWith({checkAt("2026-01-31T09:05:00Z")}), formats).lastResult, "No response");
+    EXPECT_EQ(websiteStatusRow(snapshotWith({checkAt("2026-01-31T09:05:00Z")}), formats).lastResult, "No response");
 }
 
 TEST_F(PopoverContentTest, aTimestampThatIsNoneIsShownAsItStands) {
-    EXPECT_EQ(websiteRow(snapshotWith({checkAt("yesterday")}), formats).lastChecked, "yesterday");
+    EXPECT_EQ(websiteStatusRow(snapshotWith({checkAt("yesterday")}), formats).lastChecked, "yesterday");
 }
 
 TEST_F(PopoverContentTest, aTextOfAnyLengthFromAFileIsCutToWhatCanBeRead) {
     CheckRecord record = checkAt(std::string(1'000'000, 'x'));
     record.error = std::string(8'000'000, '\n');
-    const StatusRow row = websiteRow(snapshotWith({record}), formats);
+    const StatusRow row = websiteStatusRow(snapshotWith({record}), formats);
     EXPECT_LT(row.lastResult.size(), 500u);
     EXPECT_TRUE(row.lastResult.ends_with(" …"));
     EXPECT_LT(row.lastChecked.size(), 100u);
@@ -167,7 +167,7 @@ TEST_F(PopoverContentTest, aTextOfAnyLengthFromAFileIsCutToWhatCanBeRead) {
 TEST_F(PopoverContentTest, aDisabledWebsiteSaysSoBesideItsOldChecks) {
     SiteSnapshot snapshot = snapshotWith({checkAt("2026-01-31T09:05:00Z")});
     snapshot.site.enabled = false;
-    const StatusRow row = websiteRow(snapshot, formats);
+    const StatusRow row = websiteStatusRow(snapshot, formats);
     EXPECT_EQ(row.stateText, "DISABLED");
     EXPECT_EQ(row.lastChecked, "09:05");
 }
@@ -181,7 +181,7 @@ ProviderSnapshot serviceWith(std::vector<ProviderCheckRecord> checks) {
 }
 
 TEST_F(PopoverContentTest, aServiceWithoutChecksIsUnknown) {
-    const StatusRow row = serviceRow(serviceWith({}), formats);
+    const StatusRow row = serviceStatusRow(serviceWith({}), formats);
     EXPECT_EQ(row.name, "OpenAI");
     EXPECT_EQ(row.stateText, "Unknown");
     EXPECT_EQ(row.lastResult, "No status recorded yet");
@@ -194,7 +194,7 @@ TEST_F(PopoverContentTest, aServiceShowsWhatItLastPublished) {
     record.elapsedMS = 87;
     record.state = ProviderState::degraded;
     record.summary = "Elevated errors";
-    const StatusRow row = serviceRow(serviceWith({record}), formats);
+    const StatusRow row = serviceStatusRow(serviceWith({record}), formats);
     EXPECT_EQ(row.stateText, "Degraded");
     EXPECT_EQ(row.lastResult, "Elevated errors");
     EXPECT_EQ(row.lastChecked, "09:05 · 87ms");
@@ -205,7 +205,7 @@ TEST_F(PopoverContentTest, aServiceShowsAllLettersOfASummaryInAnyScript) {
     record.timestamp = "2026-01-31T09:05:00Z";
     for (int letter = 0; letter < 160; ++letter)
         record.summary += "障";
-    EXPECT_EQ(serviceRow(serviceWith({record}), formats).lastResult, record.summary);
+    EXPECT_EQ(serviceStatusRow(serviceWith({record}), formats).lastResult, record.summary);
 }
 
 TEST_F(PopoverContentTest, servicesStandBelowTheWebsitesWhileTheyAreSwitchedOn) {

@@ -73,7 +73,8 @@ void BannerButton::paintEvent(QPaintEvent* /*event*/) {
         painter.setFont(theme.font(style));
         painter.setPen(theme.color(role));
         painter.drawText(placed(left, top, room, metrics.height()),
-            QStyle::visualAlignment(layoutDirection(), Qt::AlignLeading) | Qt::AlignVCenter | Qt::TextSingleLine,
+            static_cast<int>(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeading) | Qt::AlignVCenter) |
+                Qt::TextSingleLine,
             metrics.elidedText(kestrin::text(what), Qt::ElideRight, room));
         top += metrics.height();
     };

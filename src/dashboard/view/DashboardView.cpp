@@ -34,9 +34,7 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
       topLayout_(new QVBoxLayout(top_)), banner_(new BannerButton(top_)),
       header_(new HeaderView({actions.selectSite, actions.showPage}, top_)), notices_(new QVBoxLayout),
       scroll_(new PageScroll(this)), panel_(new PanelView(actions.openSettings)), website_(new WebsitePage),
-      services_(new ServicesPage),
-      bars_(new BottomBars(
-          {actions.startOrStop, actions.checkNow, actions.openSettings, actions.quit}, scroll_, this)) {
+      services_(new ServicesPage) {
     topLayout_->setContentsMargins(0, 0, 0, 0);
     topLayout_->setSpacing(0);
     topLayout_->addWidget(banner_);
@@ -45,6 +43,9 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
     for (QWidget* page :
         {static_cast<QWidget*>(panel_), static_cast<QWidget*>(website_), static_cast<QWidget*>(services_)})
         scroll_->addPage(page);
+    // Made last, for Tab goes in the order in which controls join the window.
+    bars_ =
+        new BottomBars({actions.startOrStop, actions.checkNow, actions.openSettings, actions.quit}, scroll_, this);
     layout_->setContentsMargins(0, 0, 0, 0);
     layout_->setSpacing(0);
     layout_->addWidget(top_);
@@ -88,8 +89,21 @@ void DashboardView::show(const DashboardContent& content) {
     const bool panelIsAccented =
         panel && panel->settingsButton && command(content, CommandID::openSettings).enabled;
     bars_->show(content, !panelIsAccented);
+    orderTabs();
     placeHeader();
     updateGeometry();
+}
+
+// Rows that were added to a page come after everything that was there before, also after the bars below.
+void DashboardView::orderTabs() {
+    QWidget* last = nullptr;
+    for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain())
+        if (widget->focusPolicy() != Qt::NoFocus && scroll_->isAncestorOf(widget)) last = widget;
+    if (!last) return;
+    for (QPushButton* button : {bars_->startStop(), bars_->checkNow(), bars_->settings(), bars_->quit()}) {
+        setTabOrder(last, button);
+        last = button;
+    }
 }
 
 void DashboardView::showNotices() {

@@ -53,6 +53,7 @@ private:
     void addShortcuts(const Actions& actions);
     void showBody();
     void showNotices();
+    void orderTabs();
     void placeHeader();
     [[nodiscard]] int headerHeight() const;
 
@@ -67,7 +68,7 @@ private:
     PanelView* panel_;
     WebsitePage* website_;
     ServicesPage* services_;
-    BottomBars* bars_;
+    BottomBars* bars_ = nullptr;
     bool headerScrolls_ = false;
 };
 

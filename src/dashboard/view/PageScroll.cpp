@@ -2,9 +2,7 @@
 
 #include <QEvent>
 #include <QScrollBar>
-#include <QStyle>
 #include <QVBoxLayout>
-#include <algorithm>
 
 namespace kestrin {
 
@@ -13,7 +11,6 @@ PageScroll::PageScroll(QWidget* parent)
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     viewport()->setAutoFillBackground(false);
     content_->setAutoFillBackground(false);
@@ -27,10 +24,7 @@ PageScroll::PageScroll(QWidget* parent)
 void PageScroll::applyTheme() {
     const Theme& theme = currentTheme();
     const int margin = theme.length(16);
-    const int scrollBar = std::max(0, margin - style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this));
-    const bool mirrored = isRightToLeft();
-    layout_->setContentsMargins(
-        mirrored ? scrollBar : margin, theme.length(2), mirrored ? margin : scrollBar, theme.length(16));
+    layout_->setContentsMargins(margin, theme.length(2), margin, theme.length(16));
 }
 
 void PageScroll::addPage(QWidget* page) {
@@ -53,10 +47,9 @@ void PageScroll::takeHeader(QWidget* header) {
 }
 
 int PageScroll::naturalHeight(int width) const {
-    const int available = width - style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
     // A layout remembers sizes of pages that have changed in this very turn.
     content_->layout()->activate();
-    return content_->layout()->hasHeightForWidth() ? content_->layout()->totalHeightForWidth(available)
+    return content_->layout()->hasHeightForWidth() ? content_->layout()->totalHeightForWidth(width)
                                                    : content_->layout()->totalSizeHint().height();
 }
 

@@ -9,8 +9,8 @@ class QVBoxLayout;
 
 namespace kestrin {
 
-/// Scrolls the pages of the dashboard. The room of the scroll bar lies in the margin and is always kept free, so
-/// that nothing moves when there is more to scroll.
+/// Scrolls the pages of the dashboard. The style draws the scroll bar over the margin, so nothing moves when there
+/// is more to scroll.
 class PageScroll : public QScrollArea {
 public:
     explicit PageScroll(QWidget* parent = nullptr);

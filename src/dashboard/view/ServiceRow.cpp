@@ -53,6 +53,7 @@ void ServiceRow::applyTheme(const Theme& theme) {
     layout_->setSpacing(theme.length(4));
     top_->setSpacing(theme.length(10));
     bottom_->setSpacing(theme.length(8));
+    link_->setFont(theme.font(TextStyle::caption2));
 }
 
 void ServiceRow::show(const ServiceRowContent& content) {

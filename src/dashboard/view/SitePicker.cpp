@@ -54,7 +54,9 @@ SitePicker::SitePicker(std::function<void(const std::string& id)> select, QWidge
 void SitePicker::show(const SitePickerContent& content) {
     if (content_ == content) return;
     content_ = content;
+    // On Linux Qt gives the chosen entry as the name of such a control, whatever name it was given.
     setAccessibleName(text(content_.accessibleLabel));
+    setAccessibleDescription(text(content_.accessibleLabel));
     fill();
 }
 

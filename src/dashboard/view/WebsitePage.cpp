@@ -31,7 +31,7 @@ QVBoxLayout* columnIn(Section* section) {
 }
 
 SymbolLabel* legendDot(StateColor state, QWidget* parent) {
-    auto* dot = new SymbolLabel("circle.fill", 8, ColorRole::text, parent);
+    auto* dot = new SymbolLabel("circle.fill", 11, ColorRole::text, parent);
     dot->setColor(state);
     return dot;
 }
