@@ -67,7 +67,9 @@ void ElidedLabel::elide() {
     const QString shown = fontMetrics().elidedText(fullText_, Qt::ElideRight, width());
     if (shown != text()) setText(shown);
     const QString tip = isElided() ? fullText_ : QString();
-    if (tip != toolTip()) setToolTip(tip);
+    // Names come from anybody; Qt would take some of them for markup.
+    const QString plain = Qt::mightBeRichText(tip) ? Qt::convertFromPlainText(tip) : tip;
+    if (plain != toolTip()) setToolTip(plain);
 }
 
 } // namespace kestrin

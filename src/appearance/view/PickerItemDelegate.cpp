@@ -5,6 +5,7 @@
 #include "appearance/view/Theme.h"
 
 #include <QComboBox>
+#include <QIcon>
 #include <QPainter>
 #include <algorithm>
 
@@ -34,8 +35,14 @@ void PickerItemDelegate::paint(
     if (index.row() == picker_->currentIndex())
         paintSymbol(
             *painter, visual(mark), QStringLiteral("checkmark"), selected ? color : theme.color(ColorRole::accent));
-    const QRect place(mark.right() + 1 + theme.length(7), row.top(),
+    QRect place(mark.right() + 1 + theme.length(7), row.top(),
         row.right() - theme.length(8) - mark.right() - theme.length(7), row.height());
+    const auto decoration = index.data(Qt::DecorationRole).value<QIcon>();
+    if (!decoration.isNull()) {
+        const int side = option.decorationSize.height();
+        decoration.paint(painter, visual(QRect(place.left(), row.top() + (row.height() - side) / 2, side, side)));
+        place.setLeft(place.left() + side + theme.length(7));
+    }
     const QString text = index.data().toString();
     painter->save();
     painter->setLayoutDirection(Qt::LayoutDirectionAuto);

@@ -67,6 +67,7 @@ QSize WrappedLabel::minimumSizeHint() const {
 }
 
 void WrappedLabel::paintEvent(QPaintEvent*) {
+    forgetOtherSelection();
     QPainter painter(this);
     painter.setPen(palette().color(isEnabled() ? QPalette::Normal : QPalette::Disabled, QPalette::WindowText));
     QTextLayout layout;

@@ -42,8 +42,12 @@ private:
     void select(int anchor, int cursor);
 
     bool selectable_ = false;
+    /// Positions in another text mean nothing in this one.
+    void forgetOtherSelection();
+
     int anchor_ = 0; ///< positions in the text; the selection lies between them
     int cursor_ = 0;
+    QString selectedFrom_; ///< the text that they are positions in
 };
 
 } // namespace kestrin

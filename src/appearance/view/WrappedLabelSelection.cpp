@@ -27,7 +27,12 @@ QString WrappedLabel::selection() const {
     return text().mid(std::min(anchor_, cursor_), std::abs(anchor_ - cursor_));
 }
 
+void WrappedLabel::forgetOtherSelection() {
+    if (selectedFrom_ != text()) anchor_ = cursor_ = 0;
+}
+
 void WrappedLabel::select(int anchor, int cursor) {
+    selectedFrom_ = text();
     const int end = static_cast<int>(text().size());
     anchor_ = std::clamp(anchor, 0, end);
     cursor_ = std::clamp(cursor, 0, end);
@@ -75,6 +80,7 @@ void WrappedLabel::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void WrappedLabel::keyPressEvent(QKeyEvent* event) {
     if (!selectable_) return ThemedLabel::keyPressEvent(event);
+    forgetOtherSelection();
     QTextLayout layout;
     layOut(layout, width());
     const int end = static_cast<int>(text().size());

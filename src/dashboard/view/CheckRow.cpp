@@ -18,7 +18,6 @@ CheckRow::CheckRow(QWidget* parent)
       duration_(new ElidedLabel(TextStyle::caption2, ColorRole::secondary, this)) {
     setFocusPolicy(Qt::TabFocus);
     makeAccessibleItem(this, QAccessible::ListItem);
-    result_->setSelectable(true);
     duration_->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     layout_->addWidget(result_, 0, 0, 1, 2);
     layout_->addWidget(time_, 1, 0);

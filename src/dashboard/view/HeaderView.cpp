@@ -31,8 +31,9 @@ HeaderView::HeaderView(Actions actions, QWidget* parent)
     top_->addWidget(picker_);
     layout_->addLayout(top_);
     layout_->addWidget(pageSwitch_);
-    connect(services_, &QAbstractButton::toggled, this,
-        [showPage = std::move(actions.showPage)](bool services) { showPage(services); });
+    connect(services_, &QAbstractButton::toggled, this, [showPage = std::move(actions.showPage)](bool services) {
+        if (showPage) showPage(services);
+    });
     followTheme();
 }
 

@@ -1,5 +1,6 @@
 #include "dashboard/view/PageScroll.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -13,11 +14,16 @@ PageScroll::PageScroll(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     viewport()->setAutoFillBackground(false);
-    content_->setAutoFillBackground(false);
     outer_->setContentsMargins(0, 0, 0, 0);
     outer_->setSpacing(0);
     outer_->addLayout(layout_, 1);
     setWidget(content_);
+    // The scroll area has switched it on.
+    content_->setAutoFillBackground(false);
+    // Tab and Shift+Tab may come to a row from outside, which the scroll area itself does not notice.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*before*/, QWidget* now) {
+        if (now && now != content_ && content_->isAncestorOf(now)) ensureWidgetVisible(now);
+    });
     applyTheme();
 }
 

@@ -65,7 +65,7 @@ void ServiceRow::show(const ServiceRowContent& content) {
     summary_->setText(text(content.summary));
     historyTitle_->setVisible(!content.history.empty());
     historyTitle_->setText(text(content.historyTitle));
-    strip_->show(content.history, content.historyAccessibleLabel);
+    strip_->show(content.history, content.history.empty() ? content.noHistory : content.historyAccessibleLabel);
     noHistory_->setVisible(content.history.empty());
     noHistory_->setText(text(content.noHistory));
     failure_->setVisible(content.failure.has_value());

@@ -47,7 +47,7 @@ SitePicker::SitePicker(std::function<void(const std::string& id)> select, QWidge
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QComboBox::activated, this, [this, select = std::move(select)](int index) {
         const auto chosen = static_cast<std::size_t>(index);
-        if (chosen < content_.entries.size()) select(content_.entries[chosen].id);
+        if (select && chosen < content_.entries.size()) select(content_.entries[chosen].id);
     });
 }
 

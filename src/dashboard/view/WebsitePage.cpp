@@ -30,6 +30,15 @@ QVBoxLayout* columnIn(Section* section) {
     return column;
 }
 
+/// A label with room around it, which it has none of by itself.
+QWidget* padded(WrappedLabel* label, Section* section) {
+    auto* box = new QWidget(section);
+    auto* layout = new QVBoxLayout(box);
+    layout->addWidget(label);
+    section->column()->addWidget(box);
+    return box;
+}
+
 SymbolLabel* legendDot(StateColor state, QWidget* parent) {
     auto* dot = new SymbolLabel("circle.fill", 11, ColorRole::text, parent);
     dot->setColor(state);
@@ -57,7 +66,7 @@ WebsitePage::WebsitePage(QWidget* parent)
     layout_->addWidget(error_);
     buildChart();
     layout_->addWidget(chartSection_);
-    checks_->column()->addWidget(noChecks_);
+    noChecksBox_ = padded(noChecks_, checks_);
     layout_->addWidget(checks_);
     incidents_->column()->addWidget(noIncidents_);
     layout_->addWidget(incidents_);
@@ -78,7 +87,7 @@ void WebsitePage::buildChart() {
     box->addWidget(chart_);
     box->addWidget(legend_);
     chartSection_->column()->addWidget(chartBox_);
-    chartSection_->column()->addWidget(noChart_);
+    noChartBox_ = padded(noChart_, chartSection_);
 }
 
 void WebsitePage::applyTheme(const Theme& theme) {
@@ -101,7 +110,7 @@ void WebsitePage::show(const WebsitePageContent& content) {
     showChart(content.chart);
     checks_->setTitle(text(content.checksTitle));
     checkRows_.show(content.checks);
-    noChecks_->setVisible(content.checks.empty());
+    noChecksBox_->setVisible(content.checks.empty());
     noChecks_->setText(text(content.noChecks));
     incidents_->setTitle(text(content.incidentsTitle));
     incidentRows_.show(content.incidents);
@@ -113,7 +122,7 @@ void WebsitePage::show(const WebsitePageContent& content) {
 void WebsitePage::showChart(const ResponseChartContent& content) {
     chartSection_->setTitle(text(content.title));
     chartBox_->setVisible(!content.bars.empty());
-    noChart_->setVisible(content.bars.empty());
+    noChartBox_->setVisible(content.bars.empty());
     noChart_->setText(text(content.noChecks));
     chart_->show(content);
     successful_->setText(text(content.successfulLabel));

@@ -43,9 +43,11 @@ private:
     WrappedLabel* failed_;
     ThemedLabel* count_;
     WrappedLabel* noChart_;
+    QWidget* noChartBox_ = nullptr;
     Section* checks_;
     RowList<CheckRow, CheckRowContent> checkRows_;
     WrappedLabel* noChecks_;
+    QWidget* noChecksBox_ = nullptr;
     Section* incidents_;
     RowList<IncidentRow, IncidentRowContent> incidentRows_;
     NoteLine* noIncidents_;
