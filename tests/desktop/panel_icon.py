@@ -23,11 +23,14 @@ class PanelIcon:
         """Where the only icon of the tray is drawn: x, y, width, height; None while there is none or more."""
         if self._desktop.tray_items().count("StatusNotifierItem-") != 1 or not self.is_registered():
             return None
-        found = TRAY_WINDOW.search(self._desktop.run(["xwininfo", "-root", "-tree"]))
-        if not found:
-            return None
-        width, height, x, y = map(int, found.groups())
-        return (x, y, width, height) if self._is_drawn(f"{width}x{height}+{x}+{y}") else None
+        try:
+            found = TRAY_WINDOW.search(self._desktop.run(["xwininfo", "-root", "-tree"]))
+            if not found:
+                return None
+            width, height, x, y = map(int, found.groups())
+            return (x, y, width, height) if self._is_drawn(f"{width}x{height}+{x}+{y}") else None
+        except subprocess.CalledProcessError:
+            return None  # a window went away while it was asked about
 
     def wait_until_drawn(self):
         return self._desktop.wait_until(self.area, "the icon to be drawn in the panel", PATIENCE, self._process)
