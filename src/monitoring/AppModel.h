@@ -71,9 +71,8 @@ public:
     /// program ends first. Where somebody else has written the file since the last load, it is loaded instead, and
     /// the choice counts until the program ends.
     void selectSite(const std::string& id);
-    /// Shows the target of an alert on its page, and remembers that only until the program ends. Nothing unless the
-    /// route has the version of today and its target may raise alerts: unknown and unmonitored targets are ignored.
-    /// To be asked once a load has ended, since what is shown until then may be out of date.
+    /// Shows the target of an alert on its page, without saving the choice. Ignores a route of another schema
+    /// version and a target that is unknown or not monitored. Call it after `loaded()` has ended.
     void show(const NotificationRoute& route);
     /// The program ends: stops everything and starts nothing more.
     void shutdown();

@@ -52,8 +52,8 @@ std::vector<NotificationObservation> AppModel::recordResults(
     try {
         for (const CheckRecord& record : sites) {
             if (!recordSite(record)) {
-                // The website is gone from a configuration that nobody saw change: its line stands, and the rest of
-                // the cycle gives way to a load.
+                // The configuration has changed and no longer contains the website. The line stays in the history.
+                // A load replaces the rest of the cycle.
                 reload();
                 return {};
             }
@@ -73,8 +73,8 @@ std::vector<NotificationObservation> AppModel::recordResults(
     return observations;
 }
 
-// Written first and looked up afterwards: a check that was made is not lost. False without a snapshot to show it
-// in.
+// Writes before it looks for the snapshot, so that no finished check is lost. Returns false if there is no
+// snapshot.
 bool AppModel::recordSite(const CheckRecord& record) {
     ++ownWrites_;
     const HistoryAppend append = collaborators_.writer.appendCheck(record);
@@ -83,7 +83,7 @@ bool AppModel::recordSite(const CheckRecord& record) {
     return true;
 }
 
-// Looked up first: the record of a service that is no longer wanted is not written.
+// Looks for the snapshot first: the record of a service that is no longer monitored is not written.
 bool AppModel::recordService(const ProviderCheckRecord& record) {
     if (!loaded_.showsService(record.providerID)) return false;
     ++ownWrites_;

@@ -69,8 +69,7 @@ Task<> CheckCycles::waitForLoad(Reference self) {
 
 Task<> CheckCycles::performCycle(Reference self, TaskContext context, Ticket ticket, CycleTargets targets,
     MonitoringCheckRunner runner, CheckTrigger trigger) {
-    // Both are there before either starts: an operation that throws instead of giving a task leaves nothing
-    // running.
+    // Create both tasks before starting either: if an operation throws instead of returning a task, nothing runs.
     Task<std::vector<CheckRecord>> sites = runner.performSiteChecks(std::move(targets.sites));
     Task<std::vector<ProviderCheckRecord>> services = runner.performProviderChecks(std::move(targets.services));
     const std::stop_source both;

@@ -6,9 +6,8 @@
 
 namespace kestrin {
 
-/// A text from outside made fit to stand in a sentence or a label: control characters and line breaks become
-/// blanks, and what is longer than `maximumBytes` is cut between two letters and ends in "…". UTF-8 that was valid
-/// stays valid. Any thread.
+/// Prepares foreign text for a sentence or a label. Control characters and line breaks become spaces. A text longer
+/// than `maximumBytes` is cut between two characters and ends in "…". Valid UTF-8 stays valid. Any thread.
 [[nodiscard]] std::string shortenedForDisplay(std::string_view text, std::size_t maximumBytes);
 
 } // namespace kestrin

@@ -7,7 +7,7 @@ class QWidget;
 
 namespace kestrin {
 
-/// How the style draws a button. A QPushButton is plain and a QToolButton flat until it is told otherwise.
+/// How the style draws a button. The default is plain for a QPushButton and flat for a QToolButton.
 enum class ButtonKind {
     plain,
     accent, ///< at most one in each view

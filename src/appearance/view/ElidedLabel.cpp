@@ -67,7 +67,7 @@ void ElidedLabel::elide() {
     const QString shown = fontMetrics().elidedText(fullText_, Qt::ElideRight, width());
     if (shown != text()) setText(shown);
     const QString tip = isElided() ? fullText_ : QString();
-    // Names come from anybody; Qt would take some of them for markup.
+    // The text is foreign. Qt would interpret text that looks like markup as rich text.
     const QString plain = Qt::mightBeRichText(tip) ? Qt::convertFromPlainText(tip) : tip;
     if (plain != toolTip()) setToolTip(plain);
 }

@@ -4,8 +4,7 @@
 
 namespace kestrin {
 
-/// A row of a card. A divided row has a hairline above it, which begins at `dividerInset` and, for rows of a list,
-/// runs to the card's edge.
+/// A row of a card. A divided row has a hairline above it, from `leadingInset` to `trailingInset`.
 class CardRow : public ThemedWidget {
 public:
     using ThemedWidget::ThemedWidget;

@@ -4,7 +4,7 @@
 
 namespace kestrin {
 
-/// The command with this id, of which there is one.
+/// Returns the command with this id. Every content has exactly one; throws `std::logic_error` if it is missing.
 [[nodiscard]] const Command& command(const DashboardContent& content, CommandID id);
 
 } // namespace kestrin

@@ -43,7 +43,7 @@ DashboardView::DashboardView(Actions actions, QWidget* parent)
     for (QWidget* page :
         {static_cast<QWidget*>(panel_), static_cast<QWidget*>(website_), static_cast<QWidget*>(services_)})
         scroll_->addPage(page);
-    // Made last, for Tab goes in the order in which controls join the window.
+    // Create the bars last: Tab follows the order in which controls are added to the window.
     bars_ =
         new BottomBars({actions.startOrStop, actions.checkNow, actions.openSettings, actions.quit}, scroll_, this);
     layout_->setContentsMargins(0, 0, 0, 0);
@@ -94,7 +94,7 @@ void DashboardView::show(const DashboardContent& content) {
     updateGeometry();
 }
 
-// Rows that were added to a page come after everything that was there before, also after the bars below.
+// New rows are added at the end of the Tab order, behind the bars. Move the bars to the end again.
 void DashboardView::orderTabs() {
     QWidget* last = nullptr;
     for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain())

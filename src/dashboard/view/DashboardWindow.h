@@ -1,54 +1,19 @@
 #pragma once
 
-#include <QElapsedTimer>
-#include <QPoint>
-#include <QWidget>
-#include <functional>
-#include <optional>
-#include <string>
+#include "dashboard/view/PopoverWindow.h"
 
 namespace kestrin {
 
-/// The window around the dashboard. Beside a tray icon it is a popover: placed at the click, gone when another
-/// window becomes active. Without one it is an ordinary window that stays; closing hides it. Main thread only.
-class DashboardWindow : public QWidget {
+/// The popover's window in the look of the theme: an outline, and round corners where the desktop composes its
+/// windows. Main thread only.
+class DashboardWindow : public PopoverWindow {
 public:
-    enum class Style { Popover, OrdinaryWindow };
-
-    explicit DashboardWindow(QWidget* content);
-
-    /// Before the next opening; an open window keeps its style.
-    void setStyle(Style style) { style_ = style; }
-    /// A click on the icon: closes the window when it is open and also when that very click took its focus away.
-    void toggle(std::optional<QPoint> click, const std::string& activationToken);
-    /// Shows the window, or brings it forward.
-    void open(std::optional<QPoint> click, const std::string& activationToken);
-
-    /// The user has come to the window: it is opened, brought forward or, where it stays open, active again.
-    std::function<void()> onOpen;
-    /// The window is about to be shown, and the keyboard's focus to be given to a control.
-    std::function<void()> onShow;
+    using PopoverWindow::PopoverWindow;
 
 protected:
-    bool event(QEvent* event) override;
-    void changeEvent(QEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-
-private:
-    [[nodiscard]] bool opensWhenFocusIsLost(std::optional<QPoint> click, const std::string& activationToken);
-    void applyStyle();
-    void moveBeside(std::optional<QPoint> click);
-    [[nodiscard]] QSize sizeForContent() const;
-    void growToContent();
-    void dismiss();
-
-    QWidget* content_; ///< owned as a child
-    Style style_ = Style::OrdinaryWindow;
-    QElapsedTimer sinceFocusWasLost_;
-    std::optional<QPoint> click_; ///< of the last opening
-    int heightForContent_ = 0;    ///< the most that this opening has needed so far
-    bool isBeingDismissed_ = false;
+    void applyStyle() override;
+    [[nodiscard]] QSize sizeForContent() const override;
 };
 
 } // namespace kestrin

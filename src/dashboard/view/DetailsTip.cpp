@@ -7,7 +7,7 @@
 
 namespace kestrin {
 
-// Qt takes a text that looks like markup for markup.
+// Qt would interpret text that looks like markup as rich text.
 QString plainToolTip(const QString& text) {
     if (text.isEmpty()) return text;
     return "<p style='white-space:pre-wrap'>" + text.toHtmlEscaped() + "</p>";

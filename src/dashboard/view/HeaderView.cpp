@@ -53,7 +53,7 @@ void HeaderView::show(const HeaderContent& header, const std::optional<PageSwitc
     pageSwitch_->setAccessibleName(text(pageSwitch->accessibleLabel));
     sites_->setText(text(pageSwitch->sitesLabel));
     services_->setText(text(pageSwitch->servicesLabel));
-    // What the model says is no choice of the user's.
+    // A change made by the model must not be reported as a choice of the user.
     const QSignalBlocker blocker(services_);
     (pageSwitch->showsServices ? services_ : sites_)->setChecked(true);
 }

@@ -17,13 +17,13 @@ public:
 
     void addPage(QWidget* page);
     void showPage(QWidget* page);
-    /// Puts a widget above the pages, where it scrolls with them. It becomes the parent's again elsewhere.
+    /// Puts a widget above the pages, where it scrolls with them. Adding it to another layout takes it back.
     void takeHeader(QWidget* header);
     /// The height at which nothing would have to scroll.
     [[nodiscard]] int naturalHeight(int width) const;
     [[nodiscard]] bool isScrolled() const;
 
-    /// The upper edge has come to or gone from the beginning.
+    /// Called whenever the page has been scrolled.
     std::function<void()> onScrolled;
 
 protected:

@@ -60,6 +60,7 @@ void PopoverWindow::open(std::optional<QPoint> click, const std::string& activat
         resize(sizeForContent());
         heightForContent_ = height();
         if (style_ == Style::Popover) moveBeside(click_);
+        if (onShow) onShow();
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

@@ -26,17 +26,22 @@ public:
 
     /// The user has come to the window: it is opened, brought forward or, where it stays open, active again.
     std::function<void()> onOpen;
+    /// Called before the window is shown: the place to give a control the keyboard focus.
+    std::function<void()> onShow;
 
 protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
+    [[nodiscard]] Style windowStyle() const { return style_; }
+    /// Gives the hidden window the flags and frame of its style.
+    virtual void applyStyle();
+    [[nodiscard]] virtual QSize sizeForContent() const;
+
 private:
     [[nodiscard]] bool opensWhenFocusIsLost(std::optional<QPoint> click, const std::string& activationToken);
-    void applyStyle();
     void moveBeside(std::optional<QPoint> click);
-    [[nodiscard]] QSize sizeForContent() const;
     void growToContent();
     void dismiss();
 

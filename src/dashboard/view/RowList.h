@@ -16,7 +16,7 @@ public:
     void show(const std::vector<Content>& contents) {
         while (rows_.size() > contents.size()) {
             layout_->removeWidget(rows_.back());
-            // Gone at once, for it would be painted and read out until the event loop comes round.
+            // Hide it now: `deleteLater` takes effect only in the next turn of the event loop.
             rows_.back()->hide();
             rows_.back()->deleteLater();
             rows_.pop_back();

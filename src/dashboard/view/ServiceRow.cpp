@@ -72,7 +72,7 @@ void ServiceRow::show(const ServiceRowContent& content) {
     failure_->setText(text(content.failure.value_or("")));
     lastChecked_->setText(text(content.lastChecked));
     link_->setText(text(content.linkText));
-    // The same words stand in every row; whoever hears them alone needs the name too.
+    // Every row has the same link text. The name tells screen reader users which service it belongs to.
     link_->setAccessibleName(text(content.linkText) + ", " + text(content.name));
     link_->setToolTip(plainToolTip(text(content.linkURL)));
     setButtonSymbol(link_, text(content.linkSymbol));

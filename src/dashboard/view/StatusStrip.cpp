@@ -30,7 +30,7 @@ void StatusStrip::applyTheme(const Theme& /*theme*/) {
 void StatusStrip::show(const std::vector<StatusBlock>& blocks, const std::string& accessibleLabel) {
     const bool wasEmpty = blocks_.empty();
     blocks_ = blocks;
-    // A plain block says nothing to anybody.
+    // Without reports there is nothing to move through.
     setFocusPolicy(blocks_.empty() ? Qt::NoFocus : Qt::TabFocus);
     barsChanged(accessibleLabel);
     if (wasEmpty != blocks_.empty()) updateGeometry();
